@@ -1,0 +1,66 @@
+# shellcheck shell=bash disable=SC2034,SC2154  # shares variables with lib.sh and with those who source it
+# Wine: which one runs programs of an architecture, and the prefixes they run in. Needs lib.sh.
+
+wine32_tree=$cache/wine32
+wine32_tree_complete=$wine32_tree/.tervanfx-complete  # written last: a tree without it was cut short
+
+export WINEDEBUG=-all
+# Neither offers to download the runtimes for .NET and HTML, nor writes menus into the user's desktop.
+export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+
+# in_wine ARCH PREFIX COMMAND...   COMMAND is wine, wineboot or wineserver with arguments
+in_wine() {
+  local arch=$1
+  export WINEPREFIX=$2
+  shift 2
+  case $arch in
+    x64) WINEARCH=win64 "$@" ;;
+    x86) WINEARCH=win32 "${wine32_launcher[@]}" "$@" ;;
+  esac
+}
+
+# Sets wine32_launcher to what must stand before a 32-bit Wine's commands. False when there is no such Wine.
+find_wine32() {
+  if [[ -x /usr/lib/wine/wine ]]; then
+    wine32_launcher=()
+  elif [[ -f $wine32_tree_complete ]]; then
+    wine32_launcher=("$root/scripts/wine32-tree" run)
+  else
+    return 1
+  fi
+}
+
+# True when the prefix really runs a program.
+prefix_works() {
+  local status=0
+  in_wine "$1" "$2" wine cmd /c exit 42 >/dev/null 2>&1 </dev/null || status=$?
+  [[ $status == 42 ]]
+}
+
+# wine_prefix ARCH PURPOSE: sets prefix; makes it when it is missing or was cut short.
+wine_prefix() {
+  local arch=$1
+  prefix=$cache/prefix-$1-$2
+  [[ -f $prefix/.tervanfx-ready && -f $prefix/system.reg ]] && return
+  mkdir -p "$cache"
+  exec 8>"$prefix.lock"
+  flock 8
+  if [[ ! -f $prefix/.tervanfx-ready || ! -f $prefix/system.reg ]]; then
+    say "making the Wine prefix $prefix"
+    rm -rf "$prefix"
+    in_wine "$arch" "$prefix" wineboot --init >/dev/null 2>&1 </dev/null 8>&- || true
+    in_wine "$arch" "$prefix" wineserver --wait 8>&-
+    prefix_works "$arch" "$prefix" 8>&- || { say "Wine does not run a $arch program"; exec 8>&-; return 1; }
+    touch "$prefix/.tervanfx-ready"
+  fi
+  exec 8>&-
+}
+
+# Starts an X server of our own and points DISPLAY at it: no window ever lands on somebody's desktop.
+start_display() {
+  local number
+  exec 7< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 2>/dev/null)
+  display_pid=$!
+  read -r number <&7 || die "Xvfb does not start"
+  export DISPLAY=:$number
+}
