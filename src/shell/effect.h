@@ -1,0 +1,74 @@
+// What an effect plugs into the shell: a table row of how it differs from the others, and a handful of operations.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "params/param_manager.h"
+#include "shell/control_state.h"
+#include "shell/stored_state.h"
+#include "shell/stream_format.h"
+#include "support/result.h"
+
+namespace tervan {
+
+// How an engine routine is to treat the frames.
+enum class ProcessMode : std::uint32_t {
+  kDiscontinuity = 0,  // the first frames after a break
+  kContinuous = 1,
+  kDrain = 2,  // the end of the stream: produce what is left, touch nothing
+};
+
+// When a discontinuity is over, within one sample.
+enum class ModeSettles { kAfterPush, kAfterFirstChunk };
+
+struct EffectTraits {
+  const char* name;          // as users see it
+  GUID filter_clsid;
+  GUID page_clsid;
+  bool drains_at_end;        // end-of-stream is preceded by a drain
+  ModeSettles mode_settles;  // for effects with automation
+  std::uint16_t settings_replaced_code;  // posted after a preset, a load, and at construction
+  StoredState stored;
+  PresetList presets;
+};
+
+// Implemented by each effect; away from Windows, too. Operations are called on the streaming thread unless they say otherwise.
+class Effect {
+ public:
+  virtual ~Effect() = default;
+
+  virtual const EffectTraits& traits() const = 0;  // [any thread]
+  virtual ControlState& control() = 0;             // [any thread]
+  virtual ParamManager* params() = 0;              // null: no automation, buffers are never cut [any thread]
+
+  // The whole settings record, of traits().presets.record_bytes. [any thread]
+  virtual void GetRecord(void* record) = 0;
+  virtual HRESULT SetRecord(const void* record) = 0;
+
+  // Resets the engine and pushes all settings. A failure keeps the stream from starting.
+  virtual HRESULT Start(const StreamFormat& format) = 0;
+  virtual HRESULT Stop() = 0;
+
+  // False: the chunk passes unchanged and no settings are fetched for it.
+  virtual bool IsActive() { return true; }
+
+  // Takes a copy of the settings for the next push; true when a change was waiting, which is thereby taken note of.
+  virtual bool FetchSettings() = 0;
+  virtual bool NeedsSettings() const = 0;  // the engine asks for a push, changed or not
+  // Derives coefficients from the copy. kDiscontinuity also resets the running state.
+  virtual HRESULT PushSettings(ProcessMode mode) = 0;
+
+  // Processes *frames interleaved frames in place; may lower *frames. S_FALSE: the stream's end, drop the sample.
+  // stop: the caller's flush flag, for 32-bit float only.
+  virtual HRESULT Process(SampleFormat format, ProcessMode mode, void* data, std::uint32_t* frames, bool stop) = 0;
+
+  // A sample of this many frames is about to be processed.
+  virtual void AdvanceStreamTime([[maybe_unused]] std::uint32_t frames) {}
+
+  // The host set a parameter through the automation interface (S_OK of AutomatedControl::SetParam). [host]
+  virtual HRESULT SetParam(std::uint32_t index, float value) = 0;
+};
+
+}  // namespace tervan

@@ -1,0 +1,153 @@
+#include "shell/stream_processor.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+namespace tervan {
+namespace {
+
+std::uint32_t FramesOf(std::uint32_t bytes, const StreamFormat& format) {
+  return format.nBlockAlign == 0 ? 0 : bytes / format.nBlockAlign;
+}
+
+}  // namespace
+
+void StreamProcessor::SetFormat(const StreamFormat& format) {
+  format_ = format;
+  effect_.control().SetFormat(format);
+}
+
+HRESULT StreamProcessor::StartStreaming() {
+  if (params_) {
+    params_->SetStreaming(true);
+    params_->SetSampleRate(format_.nSamplesPerSec);
+  }
+  data_received_ = draining_ = false;
+  return effect_.Start(format_);
+}
+
+HRESULT StreamProcessor::StopStreaming() {
+  if (params_) params_->SetStreaming(false);
+  return effect_.Stop();
+}
+
+void StreamProcessor::SetBlock(ParamManager::Block block) {
+  if (params_) params_->SetBlock(block);
+}
+
+void StreamProcessor::AdvanceStreamTime(std::uint32_t length_bytes) {
+  effect_.AdvanceStreamTime(FramesOf(length_bytes, format_));
+}
+
+HRESULT StreamProcessor::Transform(SampleView& sample) {
+  data_received_ = true;
+  ProcessMode mode = sample.discontinuity ? ProcessMode::kDiscontinuity : ProcessMode::kContinuous;
+  if (draining_) {
+    mode = ProcessMode::kDrain;
+    sample.length_bytes = sample.size_bytes;
+    std::memset(sample.data, 0, sample.size_bytes);
+  }
+  return params_ ? TransformChunks(sample, mode) : TransformWhole(sample, mode);
+}
+
+HRESULT StreamProcessor::TransformWhole(SampleView& sample, ProcessMode mode) {
+  std::uint32_t frames = FramesOf(sample.length_bytes, format_);
+  const HRESULT result = effect_.Process(SampleFormatOf(format_), mode, sample.data, &frames, false);
+  sample.length_bytes = frames * format_.nBlockAlign;
+  return result;
+}
+
+std::uint32_t StreamProcessor::NextChunk(std::uint32_t frames_left, std::uint32_t* flags) {
+  return std::min(params_->NextChangeFrames(frames_left, flags), frames_left);
+}
+
+HRESULT StreamProcessor::TransformChunks(SampleView& sample, ProcessMode mode) {
+  const SampleFormat sample_format = SampleFormatOf(format_);
+  const ModeSettles mode_settles = effect_.traits().mode_settles;
+  const std::uint32_t total = FramesOf(sample.length_bytes, format_);
+  auto* data = static_cast<std::byte*>(sample.data);
+  std::uint32_t done = 0;
+  HRESULT result = mode == ProcessMode::kDrain ? S_FALSE : S_OK;  // no effect has a tail to give
+  do {
+    std::uint32_t flags = 0;
+    std::uint32_t frames = NextChunk(total - done, &flags);
+    if (frames == 0 || mode == ProcessMode::kDrain) break;
+    if (effect_.IsActive()) {
+      const bool changed = effect_.FetchSettings();
+      if (changed || effect_.NeedsSettings() || flags != 0) {
+        const HRESULT pushed = effect_.PushSettings(mode);
+        if (FAILED(pushed)) {
+          result = pushed;
+          break;
+        }
+        if (mode_settles == ModeSettles::kAfterPush) mode = ProcessMode::kContinuous;
+      }
+      result = effect_.Process(sample_format, mode, data, &frames, false);
+      if (frames == 0) break;
+      if (mode_settles == ModeSettles::kAfterFirstChunk) mode = ProcessMode::kContinuous;
+    }
+    done += frames;
+    data += std::size_t{frames} * format_.nBlockAlign;
+  } while (result == S_OK && done < total);
+  sample.length_bytes = done * format_.nBlockAlign;
+  return result;
+}
+
+HRESULT StreamProcessor::BeginStream(std::uint32_t channels, std::uint32_t sample_rate_hz) {
+  if (channels < 1 || channels > 2) return E_INVALIDARG;
+  SetFormat(FloatFormat(static_cast<std::uint16_t>(channels), sample_rate_hz));
+  return StartStreaming();
+}
+
+HRESULT StreamProcessor::ProcessBuffer(float* data, std::uint32_t frames, bool stop) {
+  if (!data) return E_POINTER;
+  if (format_.nChannels == 0) return S_OK;  // no stream has begun: the shape of the buffer is not known
+  data_received_ = true;
+  effect_.AdvanceStreamTime(frames);
+  if (params_) return ProcessChunks(data, frames, stop);
+  return effect_.Process(SampleFormat::kFloat32, ProcessMode::kContinuous, data, &frames, stop);
+}
+
+HRESULT StreamProcessor::ProcessChunks(float* data, std::uint32_t frames, bool stop) {
+  params_->StartDirectBlock(frames);
+  HRESULT result = S_OK;
+  std::uint32_t done = 0;
+  do {
+    std::uint32_t flags = 0;
+    std::uint32_t chunk = NextChunk(frames - done, &flags);
+    if (chunk == 0) break;
+    if (effect_.IsActive()) {
+      if (flags != 0) {
+        effect_.FetchSettings();
+        const HRESULT pushed = effect_.PushSettings(ProcessMode::kContinuous);
+        if (FAILED(pushed)) return pushed;
+      }
+      result = effect_.Process(SampleFormat::kFloat32, ProcessMode::kContinuous, data, &chunk, stop);
+      if (result == S_FALSE) params_->StepPastBlock();
+      if (chunk == 0) break;
+    }
+    done += chunk;
+    data += std::size_t{chunk} * format_.nChannels;
+  } while (result == S_OK && done < frames);
+  return result;
+}
+
+HRESULT StreamProcessor::GetTail(float* data, std::uint32_t* frames) {
+  if (!frames) return E_POINTER;
+  if (!effect_.traits().drains_at_end || !data_received_) {
+    *frames = 0;
+    return S_FALSE;
+  }
+  if (!data) return E_POINTER;
+  return effect_.Process(SampleFormat::kFloat32, ProcessMode::kDrain, data, frames, false);
+}
+
+HRESULT StreamProcessor::Refresh(bool reset) {
+  if (reset && params_) params_->ResetClock();
+  const bool changed = effect_.FetchSettings();
+  if (!reset && !changed) return S_FALSE;
+  return effect_.PushSettings(reset ? ProcessMode::kDiscontinuity : ProcessMode::kContinuous);
+}
+
+}  // namespace tervan
