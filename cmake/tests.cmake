@@ -30,13 +30,15 @@ function(tervan_add_test name)
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} gmock_main)
 
+  set(command ${TERVAN_TEST_LAUNCHER} $<TARGET_FILE:${name}>)
   set(environment "GTEST_OUTPUT=xml:test-results/${name}.xml")
   if(WIN32)
+    set(command ${name})  # a bare target name makes ctest start it through the emulator
     tervan_windows_path(${PROJECT_BINARY_DIR}/tervanfx.dll module)
     tervan_windows_path(${PROJECT_BINARY_DIR}/tervan-host.exe host)
     list(APPEND environment "TERVAN_MODULE=${module}" "TERVAN_HOST=${host}")
   endif()
-  add_test(NAME ${name} COMMAND ${TERVAN_TEST_LAUNCHER} $<TARGET_FILE:${name}> WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
+  add_test(NAME ${name} COMMAND ${command} WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 900 LABELS googletest)
   if(WIN32)
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK wine)  # one registry for all of them
