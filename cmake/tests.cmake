@@ -1,7 +1,6 @@
 # GoogleTest, built from the sources that Debian ships, for whichever platform is the target.
 set(TERVAN_GOOGLETEST_DIR /usr/src/googletest CACHE PATH "GoogleTest sources (Debian package libgtest-dev or googletest)")
 set(INSTALL_GTEST OFF)
-set(gtest_force_shared_crt ON)
 add_subdirectory(${TERVAN_GOOGLETEST_DIR} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 
 set(TERVAN_TEST_LAUNCHER "")

@@ -6,7 +6,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/tervanfx
 
 # Every package, once, by what it is for.
-packages_build=(g++ cmake ninja-build python3-minimal libgtest-dev)
+packages_build=(g++ cmake ninja-build libgtest-dev)
+packages_test=(python3)
 packages_native=(libbenchmark-dev clang-format)
 packages_sanitize=(clang llvm libclang-rt-14-dev)
 packages_x64=(g++-mingw-w64-x86-64-posix)
@@ -59,7 +60,7 @@ configure_and_build() {
   if [[ ! -f $build/build.ninja ]]; then
     # A configuration that was cut short leaves a cache that later ones would trust.
     rm -rf "$build"
-    (cd "$root" && cmake --preset "$preset")
+    (cd "$root" && cmake --preset "$preset") || return
   fi
   cmake --build "$build" --parallel "$(nproc)" ${1:+--target "$@"}
 }

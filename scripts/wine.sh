@@ -30,6 +30,43 @@ find_wine32() {
   fi
 }
 
+# Finds a 32-bit Wine or makes one available: from the package mirror, or else in a tree of its own.
+# On failure no_wine32_reason says why.
+no_wine32_reason="the 32-bit Wine does not run"
+provide_wine32() {
+  find_wine32 && return
+  if ! can_be_root; then
+    no_wine32_reason="there is no 32-bit Wine, and only root or sudo could install one"
+    return 1
+  fi
+  install_wine32_package && find_wine32 && return
+  say "building a 32-bit Debian tree with Wine in $wine32_tree (some minutes, once)"
+  install_packages "${packages_tree[@]}"
+  quietly "$root/scripts/wine32-tree" make && find_wine32 && return
+  no_wine32_reason="wine32 cannot be installed from the package mirror, and no 32-bit tree could be built"
+  return 1
+}
+
+# Where 32-bit packages cannot join this machine's, it is left as it was.
+install_wine32_package() {
+  local packages=("${packages_wine32[@]/%/:i386}") added='' plan
+  packages=("${packages[@]/wine:i386/wine}")
+  if ! dpkg --print-foreign-architectures | grep -qx i386; then
+    as_root dpkg --add-architecture i386
+    added=yes
+    quietly apt_get update || true
+  fi
+  if plan=$(apt-get -s install --no-install-recommends "${packages[@]}" 2>/dev/null) && ! grep -q ^Remv <<<"$plan"; then
+    say "installing ${packages[*]}"
+    quietly apt_get install -y --no-install-recommends "${packages[@]}" && return
+  fi
+  if [[ $added ]]; then
+    as_root dpkg --remove-architecture i386
+    quietly apt_get update || true
+  fi
+  return 1
+}
+
 # True when the prefix really runs a program.
 prefix_works() {
   local status=0
