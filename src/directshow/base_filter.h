@@ -9,6 +9,8 @@
 //                     under them except AddRef.
 // Queries that a peer may make while samples flow (QueryAccept, ConnectedTo, GetState, quality, flushing...) take leaf
 // locks only, so none of them can wait for a blocked Receive or for a Stop in progress.
+//
+// Hooks do not throw: they are called from COM methods.
 #pragma once
 #include <windows.h>
 
@@ -93,7 +95,7 @@ class BaseFilter : public Implements<ComObject, IBaseFilter, IAMovieSetup> {
   const CLSID clsid_;
   CriticalSection filter_lock_;
   CriticalSection streaming_lock_;
-  std::atomic<FILTER_STATE> state_{State_Stopped};  // written under both locks when it is or was stopped
+  std::atomic<FILTER_STATE> state_{State_Stopped};  // written under the filter lock, to stopped under both
   std::atomic<REFERENCE_TIME> start_time_100ns_{0};
   std::atomic<long> pin_version_{1};
 

@@ -71,6 +71,8 @@ class BasePin : public IPin, public IQualityControl {
   virtual HRESULT CheckMediaType(const AM_MEDIA_TYPE& type) = 0;
   // Stores the agreed type. Overriding, call this first. [host with the filter lock; stream on a format change]
   virtual HRESULT SetMediaType(const AM_MEDIA_TYPE& type);
+  // A copy of the agreed type. S_OK, VFW_E_NOT_CONNECTED (empty then), E_OUTOFMEMORY. [any thread]
+  HRESULT GetConnectionType(MediaType* type) noexcept;
 
   // State changes of the filter, for connected pins. [host; filter lock held]
   // Stopped to paused: get ready to stream.

@@ -9,6 +9,15 @@
 
 namespace tervan::directshow {
 
+struct InterfaceEntry {
+  const IID& iid;
+  IUnknown* pointer;  // an interface pointer; its first slots are those of IUnknown
+};
+// The first entry with this IID, or null. No reference is added.
+IUnknown* FindIn(REFIID iid, std::initializer_list<InterfaceEntry> entries) noexcept;
+// Answers a query with what was found, or with E_NOINTERFACE and null; E_POINTER without a place for it.
+HRESULT HandOut(IUnknown* found, void** out) noexcept;
+
 // An object that can be aggregated. Its own IUnknown (Inner) counts references and answers queries; the IUnknown slots
 // of all other interfaces go to the outer unknown, which is Inner itself when nobody aggregates the object.
 //
@@ -32,13 +41,6 @@ class ComObject {
  protected:
   explicit ComObject(IUnknown* outer) noexcept;
   virtual ~ComObject();
-
-  struct Entry {
-    const IID& iid;
-    IUnknown* pointer;  // an interface pointer; its first slots are those of IUnknown
-  };
-  // The first entry with this IID, or null. No reference is added.
-  static IUnknown* FindIn(REFIID iid, std::initializer_list<Entry> entries) noexcept;
 
   // Names the interface, or null; the query adds the reference through the outer unknown. A derived class tests its
   // own table first and then asks its base.

@@ -67,8 +67,6 @@ class InPlaceOutputPin final : public OutputPin {
   HRESULT DecideAllocator() override;
 
  private:
-  HRESULT UseOwnAllocator(IMemAllocator* input_allocator);
-
   InPlaceTransformFilter& filter_;
   SeekingPassThrough seeking_;
 };
@@ -108,7 +106,7 @@ class InPlaceTransformFilter : public BaseFilter {
   virtual HRESULT Transform(IMediaSample& sample) = 0;  // [stream]
   virtual HRESULT EndOfStream() { return output_.DeliverEndOfStream(); }  // [stream]
   virtual HRESULT BeginFlush() { return output_.DeliverBeginFlush(); }    // [any thread, no lock]
-  virtual HRESULT EndFlush() { return output_.DeliverEndFlush(); }        // [any thread; streaming lock held]
+  virtual HRESULT EndFlush() { return output_.DeliverEndFlush(); }        // [any thread, no lock]
   virtual HRESULT NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) {  // [stream]
     return output_.DeliverNewSegment(start, stop, rate);
   }

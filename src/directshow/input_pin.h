@@ -19,7 +19,7 @@ class InputPin : public BasePin, public IMemInputPin {
   STDMETHODIMP_(ULONG) Release() override { return BasePin::Release(); }
 
   // IMemInputPin. [host]
-  // This pin's allocator; makes one of the platform's when there is none yet.
+  // The agreed allocator, or before there is one an allocator of the platform's as a proposal.
   STDMETHODIMP GetAllocator(IMemAllocator** out) override;
   STDMETHODIMP NotifyAllocator(IMemAllocator* allocator, BOOL read_only) override;
   STDMETHODIMP GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) override;
@@ -40,7 +40,8 @@ class InputPin : public BasePin, public IMemInputPin {
 
   HRESULT Inactive() override;
 
-  IMemAllocator* Allocator() const noexcept { return allocator_.Get(); }  // changes only while stopped
+  // The agreed one, or null; changes only while stopped.
+  IMemAllocator* Allocator() const noexcept { return allocator_.Get(); }
   bool IsReadOnly() const noexcept { return is_read_only_; }
   bool IsFlushing() const noexcept { return is_flushing_.load(); }
   // After an error that ends the stream: Receive answers VFW_E_RUNTIME_ERROR from now on.
@@ -59,7 +60,7 @@ class InputPin : public BasePin, public IMemInputPin {
   virtual HRESULT OnReceive(IMediaSample& sample) = 0;  // [stream; streaming lock held]
   virtual HRESULT OnEndOfStream() { return S_OK; }      // [stream; streaming lock held]
   virtual HRESULT OnBeginFlush() { return S_OK; }       // [any thread; no lock held]
-  virtual HRESULT OnEndFlush() { return S_OK; }         // [any thread; streaming lock held]
+  virtual HRESULT OnEndFlush() { return S_OK; }         // [any thread; no lock held]
   // [stream; streaming lock held]
   virtual HRESULT OnNewSegment(REFERENCE_TIME /*start*/, REFERENCE_TIME /*stop*/, double /*rate*/) { return S_OK; }
 
@@ -68,6 +69,7 @@ class InputPin : public BasePin, public IMemInputPin {
 
   ComPtr<IMemAllocator> allocator_;  // guarded by the filter lock; the stream only reads it
   bool is_read_only_ = false;        // likewise
+  ComPtr<IMemAllocator> proposal_;   // guarded by the filter lock
   std::atomic<bool> is_flushing_{false};
   std::atomic<bool> has_runtime_error_{false};
 };

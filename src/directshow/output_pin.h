@@ -39,21 +39,19 @@ class OutputPin : public BasePin {
   // Fills in and sets the buffers that the stream needs; *properties holds what the peer requires, or zeros.
   // A failure refuses this allocator. [host; filter lock held]
   virtual HRESULT DecideBufferSize(IMemAllocator& allocator, ALLOCATOR_PROPERTIES* properties) = 0;
-  // Agrees on an allocator with the peer: the peer's first, then one of the platform's. [host; filter lock held]
-  virtual HRESULT DecideAllocator();
+  // Agrees on an allocator with the peer. [host; filter lock held]
+  virtual HRESULT DecideAllocator() { return DecideAllocatorExcept(nullptr); }
 
-  // One round of the above with a given allocator: sizes it, tells the peer, keeps it.
-  HRESULT OfferAllocator(IMemAllocator* allocator);
-  // Tells the peer about an allocator whose size is already settled, and keeps it.
+  // The peer's allocator, if it is another one than this, else one of the platform's; sized by DecideBufferSize.
+  HRESULT DecideAllocatorExcept(const IMemAllocator* excluded);
+  // Tells the peer about an allocator whose size is settled, and keeps it when the peer takes it.
   HRESULT ShareAllocator(IMemAllocator* allocator, bool read_only);
-  IMemInputPin* PeerMemory() const noexcept { return peer_memory_.Get(); }
 
  private:
+  HRESULT OfferAllocator(IMemAllocator* allocator);
+
   ComPtr<IMemInputPin> peer_memory_;  // both are guarded by the filter lock; the stream only reads them
   ComPtr<IMemAllocator> allocator_;
 };
-
-// Sets these properties on the allocator; at least one buffer of one byte. E_FAIL when it grants less than asked.
-HRESULT SetAllocatorProperties(IMemAllocator& allocator, ALLOCATOR_PROPERTIES wanted) noexcept;
 
 }  // namespace tervan::directshow
