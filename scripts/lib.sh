@@ -16,6 +16,7 @@ packages_wine=(wine wine64 fonts-wine gstreamer1.0-plugins-base gstreamer1.0-plu
 packages_wine32=(wine wine32 fonts-wine gstreamer1.0-plugins-base gstreamer1.0-plugins-good)
 packages_tree=(debootstrap)
 packages_demo=(sox)
+packages_lint=(clang-tidy shellcheck)
 
 # Progress goes to stderr: stdout belongs to the programs that are run.
 say() { echo "tervanfx: $*" >&2; }

@@ -10,12 +10,16 @@ export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
 
 # in_wine ARCH PREFIX COMMAND...   COMMAND is wine, wineboot or wineserver with arguments
 in_wine() {
-  local arch=$1
+  use_prefix "$1" "$2"
+  "${wine_launcher[@]}" "${@:3}"
+}
+
+# use_prefix ARCH PREFIX: for the Wine commands that follow, each with "${wine_launcher[@]}" before it
+use_prefix() {
   export WINEPREFIX=$2
-  shift 2
-  case $arch in
-    x64) WINEARCH=win64 "$@" ;;
-    x86) WINEARCH=win32 "${wine32_launcher[@]}" "$@" ;;
+  case $1 in
+    x64) export WINEARCH=win64 && wine_launcher=() ;;
+    x86) export WINEARCH=win32 && wine_launcher=("${wine32_launcher[@]}") ;;
   esac
 }
 
@@ -94,10 +98,12 @@ wine_prefix() {
 }
 
 # Starts an X server of our own and points DISPLAY at it: no window ever lands on somebody's desktop.
+# display_pid is for its end.
 start_display() {
   local number
   exec 7< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 2>/dev/null)
   display_pid=$!
   read -r number <&7 || die "Xvfb does not start"
+  exec 7<&-
   export DISPLAY=:$number
 }
