@@ -87,15 +87,18 @@ bool EvaluateSegment(ParamState& state, std::int64_t now_100ns, EnvelopeSegment&
 
 enum class WalkEnd { kFound, kPastLast, kElsewhere };
 
-// Leaves the index of the last segment looked at in state.cached_index, so that the next search is short wherever it starts.
 WalkEnd Walk(ParamState& state, std::int64_t now_100ns) {
   const SegmentList& list = state.segments;
-  std::size_t i = state.cached_index < list.size() ? state.cached_index : 0;
+  if (state.found_index >= list.size()) state.found_index = 0;
+  std::size_t i = state.disjoint && state.seen_index < list.size() ? state.seen_index : state.found_index;
   bool backward = false;
   for (;;) {
-    state.cached_index = i;
     const EnvelopeSegment& segment = list[i];
-    if (now_100ns >= segment.rtStart && now_100ns < segment.rtEnd) return WalkEnd::kFound;
+    state.seen_index = i;
+    if (now_100ns >= segment.rtStart && now_100ns < segment.rtEnd) {
+      state.found_index = i;
+      return WalkEnd::kFound;
+    }
     if (now_100ns < segment.rtStart) backward = true;
     if (now_100ns > segment.rtEnd && backward) return WalkEnd::kElsewhere;
     if (backward) {
@@ -126,6 +129,15 @@ SegmentList WithoutSpan(const SegmentList& stored, std::int64_t start_100ns, std
   return Remaining(stored, {&span, 1});
 }
 
+bool IsDisjoint(const SegmentList& list) {
+  std::int64_t free_from = INT64_MIN;
+  for (const SegmentData& segment : list) {
+    if (segment.rtStart < free_from || segment.rtEnd <= segment.rtStart) return false;
+    free_from = segment.rtEnd;
+  }
+  return true;
+}
+
 bool StopMoving(ParamState& state) noexcept {
   const bool moving = state.slope != 0.0 || state.curvature != 0.0;
   state.slope = state.curvature = 0.0;
@@ -142,9 +154,10 @@ SegmentHit FindSegment(ParamState& state, std::int64_t now_100ns, double time_sc
   }
   switch (Walk(state, now_100ns)) {
     case WalkEnd::kFound: {
-      EnvelopeSegment& segment = state.segments[state.cached_index];
+      EnvelopeSegment& segment = state.segments[state.found_index];
       hit.covered = true;
-      hit.remaining_100ns = SaturatingAdd(segment.rtEnd, now_100ns == INT64_MIN ? INT64_MAX : -now_100ns);
+      hit.remaining_100ns =
+          static_cast<std::int64_t>(std::min(Distance(now_100ns, segment.rtEnd), std::uint64_t{INT64_MAX}));
       hit.changed = EvaluateSegment(state, now_100ns, segment, time_scale);
       state.in_segment = true;
       break;

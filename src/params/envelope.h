@@ -48,11 +48,16 @@ SegmentList WithSegments(const SegmentList& stored, std::span<const SegmentData>
 // The list without the segments that overlap the span. May throw std::bad_alloc.
 SegmentList WithoutSpan(const SegmentList& stored, std::int64_t start_100ns, std::int64_t end_100ns);
 
+// True when the segments are in order, cover something and do not overlap: a search then finds the same wherever it begins.
+bool IsDisjoint(const SegmentList& list);
+
 // State of one parameter. All of it is guarded by its manager's lock, but for the shape of `segments`, which only changes under the
 // manager's edit lock as well, so that an editor may read it without holding up the stream.
 struct ParamState {
   SegmentList segments;
-  std::size_t cached_index = 0;  // where the last search ended
+  bool disjoint = true;          // IsDisjoint(segments)
+  std::size_t found_index = 0;   // the segment found last: the next search begins there,
+  std::size_t seen_index = 0;    // or, in a disjoint list, at the one looked at last, which is near even where nothing is found
   float value = 0.0f;
   double slope = 0.0;      // forward differences of the segment found last, per time-scale unit;
   double curvature = 0.0;  // both 0 tell a constant value from a moving one

@@ -78,8 +78,10 @@ HRESULT ParamManager::EditEnvelopes(std::uint32_t index, const Edit& edit) {
   try {
     for (std::size_t i = first; i < end; ++i) {
       SegmentList list = edit(states_[i].segments);
+      const bool disjoint = IsDisjoint(list);
       const LockGuard guard(lock_);
       states_[i].segments.swap(list);
+      states_[i].disjoint = disjoint;
     }
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
