@@ -46,10 +46,13 @@ class AutomatedControl : public ControlState {
  protected:
   ~AutomatedControl() = default;
 
+  // Copies the current values into the record's fields.
+  void ExportRecord(void* record) const { params_.ExportSettings(record); }
+
   // Replaces all parameters by a settings record, unclamped.
   void ImportRecord(const void* record);
 
-  // Copies the current values into the record's fields; true when a change was waiting, which this takes note of. [stream]
+  // As ExportRecord; true when a change was waiting, which this takes note of. [stream]
   bool FetchRecord(void* record);
 
  private:

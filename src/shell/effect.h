@@ -24,7 +24,6 @@ enum class ProcessMode : std::uint32_t {
 enum class ModeSettles { kAfterPush, kAfterFirstChunk };
 
 struct EffectTraits {
-  const char* name;          // as users see it
   GUID filter_clsid;
   GUID page_clsid;
   bool drains_at_end;        // end-of-stream is preceded by a drain
@@ -43,7 +42,7 @@ class Effect {
   virtual ControlState& control() = 0;             // [any thread]
   virtual ParamManager* params() = 0;              // null: no automation, buffers are never cut [any thread]
 
-  // The whole settings record, of traits().presets.record_bytes. [any thread]
+  // The settings record of traits().stored.record_bytes; fields without a setting are left alone. [any thread]
   virtual void GetRecord(void* record) = 0;
   virtual HRESULT SetRecord(const void* record) = 0;
 

@@ -9,26 +9,12 @@
 
 #include "effects/compressor/compressor_meters.h"
 #include "effects/compressor/compressor_settings.h"
+#include "shell/param_slots.h"
 
 namespace tervan {
 
 // The gate answers the same IID with its own interface: connect a page to its own effect only.
-inline constexpr GUID IID_ICompressorSettings{
-    0xc400f99b, 0x0c6e, 0x444c, {0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e}};
-
-// The five slots of a parameter P. Value is float or LONG, in the units of CompressorSettings.
-//   Get    S_OK, or E_POINTER.
-//   Set    clamps to the range; S_OK. [page]
-//   Begin  an edit by hand begins: automation of P rests, the host's recorder is told. S_OK; S_FALSE when one is in progress. [page]
-//   End    S_OK. [page]
-//   Is     S_OK while streaming inside an envelope segment of P, else S_FALSE.
-#define TERVAN_PARAM_SLOTS(P, Value)                       \
-  virtual HRESULT STDMETHODCALLTYPE Get##P(Value* value) = 0; \
-  virtual HRESULT STDMETHODCALLTYPE Set##P(Value value) = 0;  \
-  virtual HRESULT STDMETHODCALLTYPE Begin##P##Edit() = 0;     \
-  virtual HRESULT STDMETHODCALLTYPE End##P##Edit() = 0;       \
-  virtual HRESULT STDMETHODCALLTYPE Is##P##Automated() = 0;
-
+//
 // Pointers may not be null (E_POINTER). [any thread] unless told otherwise.
 struct ICompressorSettings : IUnknown {
   // Slot 3. All but the reserved word. S_OK.
@@ -51,9 +37,9 @@ struct ICompressorSettings : IUnknown {
   TERVAN_PARAM_SLOTS(Amount, float)
   TERVAN_PARAM_SLOTS(AttackTime, float)
   TERVAN_PARAM_SLOTS(ReleaseTime, float)
-  TERVAN_PARAM_SLOTS(AutoGainCompensation, LONG)
-  TERVAN_PARAM_SLOTS(SmoothSaturation, LONG)
-  TERVAN_PARAM_SLOTS(Bypass, LONG)
+  TERVAN_PARAM_SLOTS(AutoGainCompensation, INT32)
+  TERVAN_PARAM_SLOTS(SmoothSaturation, INT32)
+  TERVAN_PARAM_SLOTS(Bypass, INT32)
 
   // Slot 54. The record of the reference clock's current time, or the latest one. S_OK. [page]
   virtual HRESULT STDMETHODCALLTYPE GetMeters(CompressorMeters* meters) = 0;
@@ -62,3 +48,5 @@ struct ICompressorSettings : IUnknown {
 };
 
 }  // namespace tervan
+
+__CRT_UUID_DECL(tervan::ICompressorSettings, 0xc400f99b, 0x0c6e, 0x444c, 0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e)

@@ -1,0 +1,38 @@
+#include "module/class_table.h"
+
+#include <new>
+
+#include "directshow/com_ptr.h"
+#include "effects/compressor/compressor_filter.h"
+
+namespace tervan {
+namespace {
+
+template <typename Object>
+directshow::ComObject* Create(IUnknown* outer, HRESULT* result) {
+  try {
+    return new Object(outer);
+  } catch (const std::bad_alloc&) {
+    *result = E_OUTOFMEMORY;
+    return nullptr;
+  }
+}
+
+constexpr ClassTemplate kClasses[] = {
+    {kCompressorFilterName, &kCompressorTraits.filter_clsid, Create<CompressorFilter>, &kCompressorFilterSetup},
+};
+
+}  // namespace
+
+std::span<const ClassTemplate> ClassTable() { return kClasses; }
+
+HRESULT CreateFrom(const ClassTemplate& row, IUnknown* outer, REFIID iid, void** out) {
+  *out = nullptr;
+  HRESULT result = S_OK;
+  directshow::ComObject* const object = row.create(outer, &result);
+  if (!object) return FAILED(result) ? result : E_OUTOFMEMORY;
+  const directshow::ComPtr<IUnknown> inner(object->Inner());  // its release destroys an object that nobody wants
+  return FAILED(result) ? result : inner->QueryInterface(iid, out);
+}
+
+}  // namespace tervan

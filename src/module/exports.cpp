@@ -1,0 +1,38 @@
+// The module's entry points. Their plain names are set in tervanfx.def.
+
+#include <windows.h>
+
+#include <objbase.h>
+
+#include "module/class_factory.h"
+#include "module/self_registration.h"
+
+namespace {
+
+HINSTANCE module_instance = nullptr;
+
+}  // namespace
+
+extern "C" {
+
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* /*reserved*/) {
+  switch (reason) {
+    case DLL_PROCESS_ATTACH:
+      module_instance = instance;
+      DisableThreadLibraryCalls(instance);
+      break;
+    case DLL_PROCESS_DETACH: module_instance = nullptr; break;
+  }
+  return TRUE;
+}
+
+STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** out) { return tervan::GetClassObject(clsid, iid, out); }
+STDAPI DllCanUnloadNow() { return tervan::CanUnload() ? S_OK : S_FALSE; }
+STDAPI DllRegisterServer() { return tervan::RegisterModule(module_instance); }
+STDAPI DllUnregisterServer() { return tervan::UnregisterModule(); }
+
+// Hosts look it up by name. It does nothing.
+void BuildPositionStringEx(char* /*buffer*/, const void* /*position_format*/, INT64 /*position*/, char* /*text*/,
+                           UINT32 /*flags*/) {}
+
+}  // extern "C"
