@@ -45,6 +45,7 @@ apt_get() { as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq "$@"; }
 install_packages() {
   local package missing=()
   for package in "$@"; do
+    [[ " ${missing[*]} " != *" $package "* ]] || continue
     [[ $(dpkg-query -W -f '${db:Status-Abbrev}' "$package" 2>/dev/null) == ii* ]] || missing+=("$package")
   done
   [[ ${#missing[@]} == 0 ]] && return
