@@ -347,9 +347,15 @@ class SinkPin final : public InputPin {
   ComPtr<IMemAllocator> own_;
 };
 
-class Sink final : public BaseFilter {
+// A graph waits only for the end of those filters that call themselves renderers.
+class Sink final : public Implements<BaseFilter, IAMFilterMiscFlags> {
  public:
-  explicit Sink(const SinkOptions& options = {}) : BaseFilter(nullptr, CLSID_NULL), pin(*this, options) {}
+  explicit Sink(const SinkOptions& options = {}) : Implements(nullptr, CLSID_NULL), pin(*this, options) {}
+  IUnknown* FindInterface(REFIID iid) noexcept override {
+    if (IsEqualGUID(iid, IID_IAMFilterMiscFlags)) return static_cast<IAMFilterMiscFlags*>(this);
+    return BaseFilter::FindInterface(iid);
+  }
+  STDMETHODIMP_(ULONG) GetMiscFlags() override { return AM_FILTER_MISC_FLAGS_IS_RENDERER; }
   int PinCount() noexcept override { return 1; }
   BasePin* PinAt(int) noexcept override { return &pin; }
   SinkPin pin;
