@@ -5,7 +5,7 @@
 #include <cassert>
 #include <cmath>
 #include <cstring>
-#include <new>
+#include <exception>
 #include <utility>
 
 #include "support/saturate.h"
@@ -83,7 +83,7 @@ HRESULT ParamManager::EditEnvelopes(std::uint32_t index, const Edit& edit) {
       states_[i].segments.swap(list);
       states_[i].disjoint = disjoint;
     }
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {  // no memory, or more segments than a list can ever hold
     return E_OUTOFMEMORY;
   }
   return S_OK;
