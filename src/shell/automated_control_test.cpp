@@ -1,0 +1,135 @@
+#include "shell/automated_control.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <memory>
+
+#include "effects/compressor/compressor_settings.h"
+#include "effects/gate/gate_settings.h"
+#include "support/testing/fakes.h"
+
+namespace tervan {
+namespace {
+
+using ::testing::ElementsAre;
+using tervan::testing::FakePoster;
+using tervan::testing::OpenAutomatedControl;
+using tervan::testing::RecordingRecorder;
+
+struct AutomatedControlTest : ::testing::Test {
+  AutomatedControlTest() { Settle(compressor); }
+  static void Settle(OpenAutomatedControl& control) {
+    char record[64];
+    control.FetchRecord(record);
+    control.TakeDirty();
+  }
+  // "cd" changed and dirty, "c-", "--".
+  static std::string Flags(OpenAutomatedControl& control) {
+    const std::string flags = {control.IsChanged() ? 'c' : '-', control.IsDirty() ? 'd' : '-'};
+    Settle(control);
+    return flags;
+  }
+
+  FakePoster poster;
+  OpenAutomatedControl compressor{compressor::kParams, poster};
+  OpenAutomatedControl gate{gate::kParams, poster};
+};
+
+TEST_F(AutomatedControlTest, StartsChangedButNotDirty) {
+  OpenAutomatedControl fresh(compressor::kParams, poster);
+  EXPECT_EQ(Flags(fresh), "c-");
+  EXPECT_EQ(Flags(fresh), "--");  // a fetch takes note
+}
+
+TEST_F(AutomatedControlTest, SettersClampAndMarkOnlyRealChanges) {
+  struct Step {
+    std::uint32_t index;
+    float value, stored;
+    const char* flags;
+  };
+  for (const Step& step : {Step{3, 80, 50, "cd"}, {3, 99, 50, "--"}, {3, -INFINITY, 1, "cd"}, {3, NAN, 1, "--"}, {2, 3, 0, "cd"},
+                           {2, -61, -60, "cd"}, {5, INFINITY, 5000, "cd"}, {4, 0.25f, 0.25f, "cd"}}) {
+    SCOPED_TRACE(step.value);
+    EXPECT_EQ(compressor.Set(step.index, step.value), S_OK);
+    float value = 0;
+    EXPECT_EQ(compressor.Get(step.index, &value), S_OK);
+    EXPECT_EQ(value, step.stored);
+    EXPECT_EQ(Flags(compressor), step.flags);
+  }
+  Settle(gate);
+  for (const auto& [control, stored] : {std::pair{-900, -800}, {5, 0}, {-399, -399}, {INT32_MIN, -800}, {INT32_MAX, 0}}) {
+    EXPECT_EQ(gate.Set(0, control), S_OK);
+    std::int32_t value = 1;
+    EXPECT_EQ(gate.Get(0, &value), S_OK);
+    EXPECT_EQ(value, stored);
+    EXPECT_EQ(Flags(gate), "cd");
+  }
+  EXPECT_EQ(compressor.Get(0, static_cast<float*>(nullptr)), E_POINTER);
+}
+
+TEST_F(AutomatedControlTest, HostsSettersRefuseAndMarkOnlyRealChanges) {
+  EXPECT_EQ(compressor.SetParam(3, 60), E_INVALIDARG);
+  EXPECT_EQ(Flags(compressor), "--");
+  EXPECT_EQ(compressor.SetParam(3, 6), S_OK);
+  EXPECT_EQ(Flags(compressor), "cd");
+  EXPECT_EQ(compressor.SetParam(3, 6), S_FALSE);
+  EXPECT_EQ(Flags(compressor), "--");
+}
+
+TEST_F(AutomatedControlTest, EditsAreBracketedAndTheirEndMarksTheSettings) {
+  const auto recorder = std::make_shared<RecordingRecorder>();
+  compressor.params().SetRecorder(recorder);
+  EXPECT_EQ(compressor.BeginEdit(3), S_OK);
+  EXPECT_EQ(compressor.BeginEdit(3), S_FALSE);
+  EXPECT_EQ(Flags(compressor), "--");
+  compressor.Set(3, 5.0f);
+  Settle(compressor);
+  EXPECT_EQ(compressor.EndEdit(3), S_OK);
+  EXPECT_EQ(Flags(compressor), "c-");
+  EXPECT_EQ(compressor.EndEdit(3), S_OK);
+  EXPECT_EQ(Flags(compressor), "c-");
+  EXPECT_THAT(recorder->Take(), ElementsAre("B3", "V3=5", "E3"));
+}
+
+TEST_F(AutomatedControlTest, AutomatedMeansStreamingInsideASegment) {
+  const SegmentData segment{0, 100, -10, 0, kCurveJump, 0};
+  ParamManager& params = compressor.params();
+  params.SetSampleRate(48000);
+  params.AddEnvelope(2, 1, &segment);
+  params.NextChangeFrames(1, nullptr);
+  EXPECT_EQ(compressor.IsAutomated(2), S_FALSE);
+  params.SetStreaming(true);
+  EXPECT_EQ(compressor.IsAutomated(2), S_OK);
+  EXPECT_EQ(compressor.IsAutomated(3), S_FALSE);
+  params.SetBlock({100, 200});
+  params.NextChangeFrames(1, nullptr);
+  EXPECT_EQ(compressor.IsAutomated(2), S_FALSE);
+}
+
+TEST_F(AutomatedControlTest, RecordsMarkAlwaysAndPassUnclamped) {
+  CompressorSettings settings{};
+  compressor.FetchRecord(&settings);
+  settings.amount = 80;
+  for (int i = 0; i < 2; ++i) {
+    compressor.ImportRecord(&settings);
+    EXPECT_EQ(Flags(compressor), "cd");
+  }
+  settings.amount = 0;
+  EXPECT_FALSE(compressor.FetchRecord(&settings));
+  EXPECT_EQ(settings.amount, 80);
+}
+
+TEST_F(AutomatedControlTest, FormatIsKnownOnceSet) {
+  StreamFormat format{};
+  EXPECT_EQ(compressor.GetFormat(nullptr), E_POINTER);
+  EXPECT_EQ(compressor.GetFormat(&format), static_cast<HRESULT>(0x80040209));
+  compressor.SetFormat(FloatFormat(2, 44100));
+  EXPECT_EQ(compressor.GetFormat(&format), S_OK);
+  EXPECT_EQ(format.nAvgBytesPerSec, 352800u);
+}
+
+}  // namespace
+}  // namespace tervan

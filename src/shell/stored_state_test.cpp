@@ -1,0 +1,263 @@
+#include "shell/stored_state.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "effects/compressor/compressor_settings.h"
+#include "effects/dither/dither_settings.h"
+#include "effects/eq/eq_settings.h"
+#include "effects/gate/gate_settings.h"
+#include "support/testing/fakes.h"
+
+namespace tervan {
+namespace {
+
+using ::testing::ElementsAre;
+using tervan::testing::Bytes;
+using tervan::testing::FakePoster;
+using tervan::testing::FakeStream;
+using tervan::testing::RecordingEffect;
+using tervan::testing::Window;
+using Words = std::vector<std::uint32_t>;
+
+const Bytes kCompressorTag{0x9b, 0xf9, 0x00, 0xc4, 0x6e, 0x0c, 0x4c, 0x44, 0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e};
+const Bytes kCompressorOlderTag{0x2b, 0xf2, 0xc9, 0x23, 0xec, 0x40, 0xd2, 0x11, 0x9d, 0x36, 0x00, 0xc0, 0x4f, 0x8e, 0xdc, 0x1e};
+const Bytes kGateOlderTag{0xe0, 0x19, 0x94, 0x86, 0x1f, 0x50, 0xd3, 0x11, 0x8c, 0xdc, 0x00, 0xc0, 0x4f, 0x6b, 0x8e, 0x4c};
+const Bytes kEqTag{0x0d, 0x9a, 0xb6, 0x8c, 0xe8, 0x10, 0xd2, 0x11, 0x9b, 0x89, 0x00, 0x10, 0x4b, 0x8d, 0x13, 0xc2};
+const Bytes kDitherTag{0xe4, 0xf3, 0x0d, 0x26, 0x77, 0xac, 0xd2, 0x11, 0x9e, 0x93, 0x00, 0xc0, 0x4f, 0x68, 0xbe, 0x44};
+const Bytes kNoTag(16, 0);
+
+void Append(Bytes& bytes, std::uint32_t word) {
+  for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<std::uint8_t>(word >> shift));
+}
+
+Bytes Stored(std::uint32_t size_field, const Bytes& tag, const Words& body) {
+  Bytes bytes;
+  Append(bytes, size_field);
+  bytes.insert(bytes.end(), tag.begin(), tag.end());
+  for (const std::uint32_t word : body) Append(bytes, word);
+  return bytes;
+}
+
+struct Kind {
+  const char* name;
+  std::uint32_t size_field;
+  const Bytes& tag;
+  std::uint32_t words;  // of the record
+  std::span<const ParamDescriptor> table;
+  StoredState stored;
+  PresetList presets;
+  std::uint16_t code;
+};
+
+const Kind kCompressor{"compressor", 60, kCompressorTag, 10, compressor::kParams,
+                       {compressor::kForms, 40, LoadNotifies::kAfterBodyRead}, ListOf(compressor::kPresets), 32701};
+const Kind kGate{"gate", 36, kCompressorTag, 4, gate::kParams,
+                 {gate::kForms, 16, LoadNotifies::kAlways}, ListOf(gate::kPresets), 100};
+const Kind kEq{"EQ", 120, kEqTag, 26, eq::kParams, {eq::kForms, 104, LoadNotifies::kAfterBodyRead}, ListOf(eq::kPresets), 100};
+const Kind kDither{"dither", 32, kDitherTag, 3, {}, {dither::kForms, 12, LoadNotifies::kAfterBodyRead}, ListOf(dither::kPresets), 100};
+const Kind* const kKinds[] = {&kCompressor, &kGate, &kEq, &kDither};
+
+EffectTraits TraitsOf(const Kind& kind) {
+  EffectTraits traits{};
+  traits.settings_replaced_code = kind.code;
+  traits.stored = kind.stored;
+  traits.presets = kind.presets;
+  return traits;
+}
+
+struct Rig {
+  explicit Rig(const Kind& k) : kind(k), effect(TraitsOf(k), k.table) {
+    effect.control().SetNotifyWindow(Window(1), 32700);
+    Set(Words(kind.words, 7));
+    FakeStream nowhere;
+    SaveState(effect, nowhere, true);  // not modified
+  }
+  void Set(const Words& words) { effect.SetRecord(words.data()); }
+  Words Get() {
+    Words words(kMaxRecordBytes / 4);
+    effect.GetRecord(words.data());
+    words.resize(kind.words);
+    return words;
+  }
+  std::size_t Notifications() {
+    const auto messages = effect.poster.Take();
+    for (const auto& message : messages) EXPECT_EQ(message, (FakePoster::Message{Window(1), 32700, kind.code}));
+    return messages.size();
+  }
+
+  const Kind& kind;
+  RecordingEffect effect;
+};
+
+// Words of the body that a load reads for this header; 0: refused.
+std::uint32_t BodyWords(const Kind& kind, std::uint32_t size, const Bytes& tag) {
+  if (&kind == &kCompressor) {
+    if (tag == kCompressorTag) return size == 60 ? 10 : 0;
+    if (size == 56) return tag == kCompressorOlderTag ? 9 : 0;
+    return size == 44 ? 6 : size == 52 ? 8 : 0;
+  }
+  if (&kind == &kGate) {
+    if (tag == kGateOlderTag) return size == 32 ? 3 : 0;
+    return tag == kCompressorTag && size == 36 ? 4 : 0;
+  }
+  if (&kind == &kEq) return tag == kEqTag && size == 120 ? 25 : 0;
+  return tag == kDitherTag && size == 32 ? 3 : 0;
+}
+
+TEST(StoredState, EveryHeaderIsReadOrRefused) {
+  Words pattern(26);
+  for (std::uint32_t i = 0; i < 26; ++i) pattern[i] = 1000 + i;
+  for (const Kind* const kind : kKinds) {
+    for (const std::uint32_t size : {0u, 12u, 32u, 36u, 44u, 52u, 56u, 60u, 104u, 120u, 124u, 0xFFFFFFFFu}) {
+      for (const Bytes* const tag : {&kCompressorTag, &kCompressorOlderTag, &kGateOlderTag, &kEqTag, &kDitherTag, &kNoTag}) {
+        SCOPED_TRACE(::testing::Message() << kind->name << ", size " << size << ", tag " << int{tag->front()});
+        Rig rig(*kind);
+        FakeStream stream(Stored(size, *tag, pattern));
+        const std::uint32_t body = BodyWords(*kind, size, *tag);
+        Words expected(kind->words, body == 0 ? 7 : 0);
+        std::copy_n(pattern.begin(), body, expected.begin());
+        if (body == 6) expected[6] = 1;  // automatic gain compensation, where a record has none
+
+        EXPECT_EQ(LoadState(rig.effect, stream), body == 0 ? E_FAIL : S_OK);
+        EXPECT_EQ(stream.position, 20 + 4 * body);
+        EXPECT_EQ(rig.Get(), expected);
+        EXPECT_EQ(rig.Notifications(), body != 0 || kind == &kGate ? 1u : 0u);
+        EXPECT_EQ(rig.effect.control().IsDirty(), body != 0);
+      }
+    }
+  }
+}
+
+TEST(StoredState, FailingReadsLeaveTheSettingsAlone) {
+  for (const Kind* const kind : kKinds) {
+    for (const int failing_call : {0, 1}) {
+      SCOPED_TRACE(::testing::Message() << kind->name << ", read " << failing_call);
+      Rig rig(*kind);
+      FakeStream stream(Stored(kind->size_field, kind->tag, Words(26, 1)));
+      stream.failing_call = failing_call;
+      EXPECT_EQ(LoadState(rig.effect, stream), E_OUTOFMEMORY);
+      EXPECT_EQ(rig.Get(), Words(kind->words, 7));
+      EXPECT_EQ(rig.Notifications(), failing_call == 1 || kind == &kGate ? 1u : 0u);
+      EXPECT_FALSE(rig.effect.control().IsDirty());
+    }
+  }
+}
+
+TEST(StoredState, ShortReadsCountAsTheStreamReportsThem) {
+  for (const Kind* const kind : kKinds) {
+    for (const HRESULT short_read : {S_OK, S_FALSE, E_FAIL}) {
+      SCOPED_TRACE(::testing::Message() << kind->name << ", result " << short_read);
+      const Bytes whole = Stored(kind->size_field, kind->tag, Words(1, 1));
+      Rig rig(*kind);
+      FakeStream one_word(whole);
+      one_word.short_read = short_read;
+      EXPECT_EQ(LoadState(rig.effect, one_word), short_read);
+      EXPECT_EQ(rig.Get()[0], SUCCEEDED(short_read) ? 1u : 7u);
+      EXPECT_EQ(rig.Get()[1], 7u);
+
+      Rig other(*kind);
+      FakeStream half_a_header(Bytes(whole.begin(), whole.begin() + 10));
+      half_a_header.short_read = short_read;
+      EXPECT_EQ(LoadState(other.effect, half_a_header), E_FAIL);
+      EXPECT_EQ(other.Get(), Words(kind->words, 7));
+    }
+  }
+}
+
+TEST(StoredState, SavedBytes) {
+  const auto f = [](float value) { return std::bit_cast<std::uint32_t>(value); };
+  const auto n = [](std::int32_t value) { return static_cast<std::uint32_t>(value); };
+  struct Case {
+    const Kind& kind;
+    std::int32_t preset;
+    Words body;
+    std::size_t bytes;
+  };
+  for (const Case& c :
+       {Case{kCompressor, 0, {0, 0, 0, f(1), f(15), f(250), 1, 0, 0, 0}, 60},
+        {kCompressor, 8, {0, 0, f(-6), f(50), 0, f(250), 0, 0, 0, 0}, 60},
+        {kGate, 0, {3, 100, n(-800), 0}, 36},
+        {kEq, 12, {n(-250), 0, 0, 0, 10, 10, 10, 10, 20, 300, 1000, 5000, 1, 2, 2, 3, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0}, 124},
+        {kDither, 0, {2, 1, 0}, 32}}) {
+    SCOPED_TRACE(c.kind.name);
+    Rig rig(c.kind);
+    EXPECT_EQ(ApplyPreset(rig.effect, c.preset), S_OK);
+    FakeStream stream;
+    EXPECT_EQ(SaveState(rig.effect, stream, false), S_OK);
+    EXPECT_EQ(stream.bytes, Stored(c.kind.size_field, c.kind.tag, c.body));
+    EXPECT_EQ(stream.bytes.size(), c.bytes);
+    EXPECT_EQ(SavedBytes(rig.effect), c.bytes);
+  }
+}
+
+TEST(StoredState, WhatIsSavedComesBackButTheBypassOfTheEq) {
+  for (const Kind* const kind : kKinds) {
+    SCOPED_TRACE(kind->name);
+    Rig saved(*kind), loaded(*kind);
+    Words words(kind->words);
+    for (std::uint32_t i = 0; i < kind->words; ++i) words[i] = i + 1;
+    saved.Set(words);
+    FakeStream stream;
+    EXPECT_EQ(SaveState(saved.effect, stream, false), S_OK);
+    EXPECT_EQ(LoadState(loaded.effect, stream), S_OK);
+    if (kind == &kEq) words.back() = 0;
+    EXPECT_EQ(loaded.Get(), words);
+    EXPECT_EQ(stream.bytes.size() - stream.position, kind == &kEq ? 4u : 0u);
+  }
+}
+
+TEST(StoredState, OnlyACompleteSaveThatIsAskedToTakesTheModifiedFlagBack) {
+  struct Case {
+    int failing_call;
+    bool clear, dirty_before, dirty_after;
+    std::size_t written;
+  };
+  for (const Case& c : {Case{-1, true, true, false, 36}, {-1, false, true, true, 36}, {-1, false, false, false, 36},
+                        {0, true, true, true, 0}, {1, true, true, true, 20}, {1, true, false, false, 20}}) {
+    SCOPED_TRACE(::testing::Message() << "write " << c.failing_call << " fails, clear " << c.clear);
+    Rig rig(kGate);
+    if (c.dirty_before) rig.effect.automated().Set(0, 5);
+    FakeStream stream;
+    stream.failing_call = c.failing_call;
+    EXPECT_EQ(SaveState(rig.effect, stream, c.clear), c.failing_call < 0 ? S_OK : E_OUTOFMEMORY);
+    EXPECT_EQ(rig.effect.control().IsDirty(), c.dirty_after);
+    EXPECT_EQ(stream.bytes.size(), c.written);
+  }
+}
+
+TEST(Presets, EachAppliesItsRecordAndTellsTheWindows) {
+  for (const Kind* const kind : kKinds) {
+    for (std::size_t i = 0; i < kind->presets.count; ++i) {
+      SCOPED_TRACE(::testing::Message() << kind->name << ' ' << i);
+      Rig rig(*kind);
+      EXPECT_EQ(ApplyPreset(rig.effect, static_cast<std::int32_t>(i)), S_OK);
+      EXPECT_EQ(std::memcmp(rig.Get().data(), kind->presets.record(i), 4 * kind->words), 0);
+      EXPECT_EQ(rig.Notifications(), 1u);
+      EXPECT_TRUE(rig.effect.control().IsDirty());
+      EXPECT_TRUE(rig.effect.control().IsChanged());
+      EXPECT_EQ(kind->presets.name(i)[kPresetNameBytes - 1], '\0');
+    }
+    Rig rig(*kind);
+    const auto count = static_cast<std::int32_t>(kind->presets.count);
+    for (const std::int32_t bad : {-1, count, INT32_MIN, INT32_MAX}) EXPECT_EQ(ApplyPreset(rig.effect, bad), E_INVALIDARG);
+    EXPECT_EQ(rig.Get(), Words(kind->words, 7));
+    EXPECT_EQ(rig.Notifications(), 0u);
+    EXPECT_EQ(std::string(kind->presets.name(0)), "(Default)");
+    EXPECT_EQ(std::string(kind->presets.name(1)), "Default all parameters");
+  }
+  EXPECT_EQ(kCompressor.presets.count, 9u);
+  EXPECT_EQ(kGate.presets.count, 7u);
+  EXPECT_EQ(kEq.presets.count, 13u);
+  EXPECT_EQ(kDither.presets.count, 6u);
+}
+
+}  // namespace
+}  // namespace tervan
