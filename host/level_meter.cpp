@@ -1,0 +1,36 @@
+#include "host/level_meter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "host/sample_view.h"
+
+namespace tervan::host {
+
+void LevelMeter::Add(SampleType type, const void* data, size_t samples) {
+  samples_ += samples;
+  VisitSamples(type, data, [&](const auto* typed) {
+    double peak = peak_;
+    double square_sum = 0.0;
+    for (size_t i = 0; i < samples; ++i) {
+      const double magnitude = std::fabs(Normalised(typed[i]));
+      // False for NaN as well.
+      if (!(magnitude <= std::numeric_limits<double>::max())) continue;
+      peak = std::max(peak, magnitude);
+      square_sum += magnitude * magnitude;
+    }
+    peak_ = peak;
+    square_sum_ += square_sum;
+  });
+}
+
+double LevelMeter::PeakDb() const { return ToDecibels(peak_); }
+
+double LevelMeter::RmsDb() const {
+  return ToDecibels(samples_ == 0 ? 0.0 : std::sqrt(square_sum_ / static_cast<double>(samples_)));
+}
+
+double ToDecibels(double gain) { return 20.0 * std::log10(gain); }
+
+}  // namespace tervan::host

@@ -1,0 +1,206 @@
+#include "host/options.h"
+
+#include <array>
+#include <optional>
+
+#include "host/failure.h"
+#include "host/file_handle.h"
+#include "host/text.h"
+
+namespace tervan::host {
+namespace {
+
+constexpr std::string_view kNamePlaceholder = "{name}";
+
+constexpr std::string_view kHelp =
+    R"(tervan-host runs WAV files through the effects of tervanfx.dll.
+
+  tervan-host list                          the effects
+  tervan-host describe EFFECT               its parameters, presets and interfaces
+  tervan-host render IN.wav... OUT.wav      renders files
+  tervan-host register | unregister         enters the module into the registry, or removes it
+
+Options of render
+  --effect NAME[:KEY=VALUE]...   adds an effect to the chain. Keys, applied from left to right:
+                                   preset     number or name, or the beginning of a name
+                                   load       a file with stored settings
+                                   save       a file to store the settings in
+                                   PARAMETER  a parameter; see "describe". Blanks, '-', '_', '.' and case do not
+                                              matter, and a beginning is enough: attack=5 sets "Attack Time".
+                                              Switches take on and off, choices their text or number.
+                                 A colon starts a new setting only where KEY= follows, so names and paths may hold
+                                 colons; a value in double quotes is taken as it is.
+  --path graph|direct            through a filter graph (default), or as plain buffers of 32-bit float
+  --automation FILE.csv          lines of: parameter, start s, end s, start value, end value, curve
+                                 Curves: jump, linear, square, invsquare. In a chain the parameter is written with the
+                                 effect in front: compressor.threshold, or 2.threshold for the second effect.
+  --load-state FILE              the same as :load= of the only effect, before its other settings
+  --save-state FILE              the same as :save= of the only effect
+  --force                        replaces existing files
+Without an effect the audio is passed on as it is.
+With several inputs the output is a pattern: {name} stands for the input's name, as in out/{name}-comp.wav.
+
+Options of all commands
+  --module FILE                  the module; otherwise the tervanfx.dll beside this program, or the registered one
+  --json                         prints the result as JSON
+  --version, --help
+
+Exit codes: 0 done, 1 the command line is wrong, 2 something failed.
+
+  tervan-host render in.wav out.wav --effect "compressor:preset=Soft Limiter:threshold=-12"
+)";
+
+struct CommandName {
+  std::string_view name;
+  Command command;
+};
+constexpr std::array kCommands{CommandName{"list", Command::kList}, CommandName{"describe", Command::kDescribe},
+                               CommandName{"render", Command::kRender}, CommandName{"register", Command::kRegister},
+                               CommandName{"unregister", Command::kUnregister}};
+
+[[noreturn]] void Fail(const std::string& message) { throw UsageError(message); }
+
+// Sorts the arguments into options and words.
+class Parser {
+ public:
+  explicit Parser(const std::vector<std::string>& arguments) : arguments_(arguments) {}
+
+  Options Parse() {
+    while (next_ < arguments_.size()) {
+      const std::string& argument = arguments_[next_++];
+      if (!only_words_ && argument == "--") {
+        only_words_ = true;
+      } else if (!only_words_ && argument.starts_with('-') && argument != "-") {
+        TakeOption(argument);
+      } else {
+        words_.push_back(argument);
+      }
+    }
+    if (options_.command == Command::kHelp && !asks_for_help_) TakeWords();
+    return options_;
+  }
+
+ private:
+  void TakeOption(const std::string& argument) {
+    const size_t equals = argument.find('=');
+    const std::string name = argument.substr(0, equals);
+    inline_value_.reset();
+    if (equals != std::string::npos) inline_value_ = argument.substr(equals + 1);
+
+    if (name == "--help" || name == "-h") {
+      asks_for_help_ = true;
+      options_.command = Command::kHelp;
+    } else if (name == "--version") {
+      if (!asks_for_help_) options_.command = Command::kVersion;
+    } else if (name == "--json") {
+      options_.json = true;
+    } else if (name == "--module") {
+      options_.module_path = Value(name);
+    } else {
+      TakeRenderOption(name);
+    }
+    if (inline_value_) Fail("the option " + name + " takes no value");
+  }
+
+  void TakeRenderOption(const std::string& name) {
+    render_option_ = name;
+    if (name == "--effect") {
+      options_.effects.push_back(ParseEffectSpec(Value(name)));
+    } else if (name == "--path") {
+      const std::string value = Value(name);
+      if (value != "graph" && value != "direct") Fail("--path takes graph or direct, not " + Quoted(value));
+      options_.path = value == "graph" ? RenderPath::kGraph : RenderPath::kDirect;
+    } else if (name == "--automation") {
+      options_.automation_path = Value(name);
+    } else if (name == "--load-state") {
+      load_state_path_ = Value(name);
+    } else if (name == "--save-state") {
+      save_state_path_ = Value(name);
+    } else if (name == "--force") {
+      options_.force = true;
+    } else {
+      Fail("there is no option " + name + "; --help shows all");
+    }
+  }
+
+  // The text after "=", or the next argument.
+  std::string Value(const std::string& name) {
+    if (inline_value_) {
+      const std::string value = *inline_value_;
+      inline_value_.reset();
+      if (value.empty()) Fail("the option " + name + " needs a value");
+      return value;
+    }
+    if (next_ == arguments_.size() || arguments_[next_].empty()) Fail("the option " + name + " needs a value");
+    return arguments_[next_++];
+  }
+
+  void TakeWords() {
+    if (words_.empty()) {
+      if (arguments_.empty()) return;  // nothing at all shows the help
+      Fail("no command is given; --help shows all");
+    }
+    for (const auto& [name, command] : kCommands) {
+      if (words_[0] == name) options_.command = command;
+    }
+    if (options_.command == Command::kHelp) {
+      Fail("there is no command " + Quoted(words_[0]) + "; there are list, describe, render, register and unregister");
+    }
+    const size_t operands = words_.size() - 1;
+    switch (options_.command) {
+      case Command::kRender: return TakeFiles();
+      case Command::kDescribe:
+        if (operands != 1) Fail("describe takes the name of one effect");
+        options_.described_effect = words_[1];
+        break;
+      default:
+        if (operands != 0) Fail(words_[0] + " takes no argument, so " + Quoted(words_[1]) + " means nothing");
+    }
+    if (!render_option_.empty()) Fail("the option " + render_option_ + " belongs to render");
+  }
+
+  void TakeFiles() {
+    if (words_.size() < 3) Fail("render takes at least one input file and an output file");
+    options_.inputs.assign(words_.begin() + 1, words_.end() - 1);
+    options_.output = words_.back();
+    if (options_.inputs.size() > 1 && options_.output.find(kNamePlaceholder) == std::string::npos) {
+      Fail("several inputs need an output with {name} in it, not " + Quoted(options_.output));
+    }
+    if (load_state_path_.empty() && save_state_path_.empty()) return;
+    if (options_.effects.size() != 1) {
+      Fail("--load-state and --save-state need a single --effect; in a chain write :load=FILE and :save=FILE");
+    }
+    std::vector<Setting>& settings = options_.effects[0].settings;
+    if (!load_state_path_.empty()) settings.insert(settings.begin(), {std::string(kLoadKey), load_state_path_});
+    if (!save_state_path_.empty()) settings.push_back({std::string(kSaveKey), save_state_path_});
+  }
+
+  const std::vector<std::string>& arguments_;
+  size_t next_ = 0;
+  bool only_words_ = false;
+  bool asks_for_help_ = false;
+  std::optional<std::string> inline_value_;
+  std::string render_option_;  // the last one seen
+  std::string load_state_path_;
+  std::string save_state_path_;
+  std::vector<std::string> words_;
+  Options options_;
+};
+
+}  // namespace
+
+Options ParseOptions(const std::vector<std::string>& arguments) { return Parser(arguments).Parse(); }
+
+std::string_view HelpText() { return kHelp; }
+
+std::string OutputPathFor(const std::string& pattern, const std::string& input) {
+  std::string path = pattern;
+  const std::string name = FileStem(input);
+  for (size_t at = path.find(kNamePlaceholder); at != std::string::npos;
+       at = path.find(kNamePlaceholder, at + name.size())) {
+    path.replace(at, kNamePlaceholder.size(), name);
+  }
+  return path;
+}
+
+}  // namespace tervan::host

@@ -1,0 +1,38 @@
+// What the command line asks for.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/effect_spec.h"
+
+namespace tervan::host {
+
+enum class Command { kHelp, kVersion, kList, kDescribe, kRender, kRegister, kUnregister };
+enum class RenderPath { kGraph, kDirect };
+
+struct Options {
+  Command command = Command::kHelp;
+  std::string module_path;  // empty: look for it
+  bool json = false;
+
+  std::string described_effect;
+
+  std::vector<std::string> inputs;
+  std::string output;  // a pattern when there are several inputs
+  std::vector<EffectSpec> effects;
+  RenderPath path = RenderPath::kGraph;
+  std::string automation_path;  // empty: none
+  bool force = false;
+};
+
+// Throws a UsageError.
+Options ParseOptions(const std::vector<std::string>& arguments);
+
+std::string_view HelpText();
+
+// "{name}" in the output stands for the input's name without folder and extension.
+std::string OutputPathFor(const std::string& pattern, const std::string& input);
+
+}  // namespace tervan::host

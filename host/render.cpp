@@ -1,0 +1,145 @@
+#include "host/render.h"
+
+#include <chrono>
+#include <optional>
+#include <set>
+#include <vector>
+
+#include "host/automation_csv.h"
+#include "host/console.h"
+#include "host/direct_render.h"
+#include "host/effect_instance.h"
+#include "host/exit_code.h"
+#include "host/failure.h"
+#include "host/graph_render.h"
+#include "host/output_file.h"
+#include "host/report.h"
+#include "host/text.h"
+
+namespace tervan::host {
+namespace {
+
+// What all files have in common.
+struct Plan {
+  const Options& options;
+  std::optional<Module> module;  // only where there are effects
+  std::vector<Envelope> automation;
+};
+
+struct StateFile {
+  std::string path;
+  std::vector<std::uint8_t> content;
+};
+
+std::vector<EffectInstance> MakeChain(const Plan& plan) {
+  if (!plan.module) return {};
+  return MakeChain(*plan.module, plan.options.effects);
+}
+
+// Settings do not change while files are rendered, so they can be stored from a chain that never ran.
+std::vector<StateFile> StatesToSave(const Options& options, std::span<const EffectInstance> chain) {
+  std::vector<StateFile> states;
+  for (size_t i = 0; i < chain.size(); ++i) {
+    for (const Setting& setting : options.effects[i].settings) {
+      if (setting.key == kSaveKey) states.push_back({setting.value, chain[i].StoredState()});
+    }
+  }
+  return states;
+}
+
+void CheckPaths(const Options& options, std::span<const StateFile> states) {
+  std::set<std::string> written;
+  const auto check = [&](const std::string& path) {
+    if (!written.insert(ComparablePath(path)).second) throw UsageError(Quoted(path) + " would be written twice");
+    for (const std::string& input : options.inputs) {
+      if (ComparablePath(path) == ComparablePath(input) || IsSameFile(path, input)) {
+        throw UsageError("the output " + Quoted(path) + " is an input as well");
+      }
+    }
+  };
+  for (const std::string& input : options.inputs) check(OutputPathFor(options.output, input));
+  for (const StateFile& state : states) check(state.path);
+  for (const StateFile& state : states) CheckReplaceable(state.path, options.force);
+}
+
+Levels LevelsOf(const LevelMeter& meter) { return {meter.PeakDb(), meter.RmsDb()}; }
+
+void RenderFile(const Plan& plan, FileReport* report) {
+  const auto start = std::chrono::steady_clock::now();
+  WavReader reader(report->input);
+  report->input_format = reader.FileFormat();
+  report->output_format = reader.Format();
+  const bool is_direct = plan.options.path == RenderPath::kDirect;
+  if (is_direct) report->output_format.type = SampleType::kFloat32;
+  WavWriter writer(report->output, report->output_format, reader.Frames(), plan.options.force);
+
+  // New effects for every file: nothing of one may be heard in the next.
+  std::vector<EffectInstance> chain = MakeChain(plan);
+  for (const Envelope& envelope : plan.automation) chain[envelope.effect].Automate(envelope.param, envelope.segments);
+  RenderInput input(reader);
+  RenderOutput output(writer, chain);
+  ProgressLine progress(report->input, reader.Frames());
+  const size_t buffer_frames = BufferFrames(reader.Format(), !plan.automation.empty());
+  const auto render = is_direct ? RenderDirectly : RenderThroughGraph;
+  render(input, output, chain, buffer_frames, progress);
+  ThrowIfInterrupted();
+  writer.Finish();
+
+  report->frames = writer.Frames();
+  report->input_levels = LevelsOf(input.Levels());
+  report->output_levels = LevelsOf(output.Levels());
+  const auto reductions = output.Reductions().LargestDb();
+  for (size_t i = 0; i < chain.size(); ++i) {
+    report->effects.push_back({std::string(chain[i].Type().name), reductions[i]});
+  }
+  report->elapsed_s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+FileReport TryFile(const Plan& plan, const std::string& path) {
+  FileReport report;
+  report.input = path;
+  report.output = OutputPathFor(plan.options.output, path);
+  try {
+    RenderFile(plan, &report);
+  } catch (const std::bad_alloc&) {
+    report.error = "memory ran out";
+  } catch (const std::exception& error) {
+    report.error = error.what();
+  }
+  if (!report.error.empty()) PrintError("tervan-host: " + report.error + '\n');
+  return report;
+}
+
+}  // namespace
+
+int Render(const Options& options) {
+  Plan plan{options, {}, {}};
+  if (!options.effects.empty()) plan.module.emplace(options.module_path);
+  std::vector<StateFile> states;
+  {
+    const std::vector<EffectInstance> chain = MakeChain(plan);
+    if (!options.automation_path.empty()) plan.automation = ReadAutomation(options.automation_path, chain);
+    states = StatesToSave(options, chain);
+  }
+  CheckPaths(options, states);
+
+  std::vector<FileReport> reports;
+  bool has_failed = false;
+  for (const std::string& input : options.inputs) {
+    reports.push_back(TryFile(plan, input));
+    const FileReport& report = reports.back();
+    has_failed |= !report.error.empty();
+    if (report.error.empty() && !options.json) PrintOut(ReportText(report));
+    if (IsInterrupted()) break;
+  }
+  if (options.json) PrintOut(ReportJson(reports, options.path));
+  if (has_failed) return kExitFailed;
+  for (const StateFile& state : states) {
+    OutputFile file(state.path, options.force);
+    file.File().Write(state.content.data(), state.content.size());
+    file.Commit();
+  }
+  return kExitDone;
+}
+
+}  // namespace tervan::host

@@ -1,0 +1,60 @@
+#include "host/render_io.h"
+
+#include <algorithm>
+
+namespace tervan::host {
+
+size_t RenderInput::Read(void* data, size_t frames) {
+  frames = reader_.Read(data, frames);
+  levels_.Add(Format().type, data, frames * Format().channels);
+  frames_read_ += frames;
+  return frames;
+}
+
+ReductionWatch::ReductionWatch(std::span<const EffectInstance> chain)
+    : window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
+  for (const EffectInstance& effect : chain) {
+    const auto watch = effect.Type().watch_meters;
+    const bool has_meters = window_ && watch && SUCCEEDED(watch(effect.Filter(), window_, true));
+    effects_.push_back({&effect, has_meters, std::nullopt});
+  }
+}
+
+ReductionWatch::~ReductionWatch() {
+  for (const Watched& watched : effects_) {
+    if (watched.has_meters) watched.effect->Type().watch_meters(watched.effect->Filter(), window_, false);
+  }
+  if (window_) DestroyWindow(window_);
+}
+
+void ReductionWatch::Poll() {
+  for (Watched& watched : effects_) {
+    if (!watched.has_meters) continue;
+    const auto gain = watched.effect->Type().reduction(watched.effect->Filter());
+    if (gain) watched.smallest_gain = std::min(watched.smallest_gain.value_or(1.0), *gain);
+  }
+}
+
+std::vector<std::optional<double>> ReductionWatch::LargestDb() const {
+  std::vector<std::optional<double>> reductions;
+  for (const Watched& watched : effects_) {
+    const auto& gain = watched.smallest_gain;
+    reductions.push_back(gain ? std::optional(std::max(0.0, -ToDecibels(*gain))) : std::nullopt);
+  }
+  return reductions;
+}
+
+void RenderOutput::Write(const void* data, size_t frames) {
+  levels_.Add(Format().type, data, frames * Format().channels);
+  reductions_.Poll();
+  writer_.Write(data, frames);
+}
+
+size_t BufferFrames(const AudioFormat& format, bool is_automated) {
+  constexpr size_t kPlainFrames = 8192;
+  constexpr std::uint32_t kAutomatedBuffersPerSecond = 50;
+  if (!is_automated) return kPlainFrames;
+  return std::clamp<size_t>(format.rate_hz / kAutomatedBuffersPerSecond, 64, kPlainFrames);
+}
+
+}  // namespace tervan::host

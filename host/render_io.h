@@ -1,0 +1,83 @@
+// The two ends of a rendering, the same for both paths: what is read, and what comes out, measured on the way.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "host/effect_instance.h"
+#include "host/level_meter.h"
+#include "host/wav_reader.h"
+#include "host/wav_writer.h"
+
+namespace tervan::host {
+
+class RenderInput {
+ public:
+  explicit RenderInput(WavReader& reader) : reader_(reader) {}
+
+  const AudioFormat& Format() const { return reader_.Format(); }
+  std::uint64_t Frames() const { return reader_.Frames(); }
+  // As WavReader::Read. [stream]
+  size_t Read(void* data, size_t frames);
+
+  const LevelMeter& Levels() const { return levels_; }              // once the rendering is over
+  std::uint64_t FramesRead() const { return frames_read_.load(); }  // [any thread]
+
+ private:
+  WavReader& reader_;
+  LevelMeter levels_;
+  std::atomic<std::uint64_t> frames_read_{0};
+};
+
+// Asks the effects of a chain for their gain reduction, and keeps the largest. While it lives, a window that nobody
+// sees is registered with the effects, because some publish their meters only to windows.
+class ReductionWatch {
+ public:
+  explicit ReductionWatch(std::span<const EffectInstance> chain);
+  ~ReductionWatch();
+  ReductionWatch(const ReductionWatch&) = delete;
+  ReductionWatch& operator=(const ReductionWatch&) = delete;
+
+  // After every buffer. [stream]
+  void Poll();
+  // In dB, at least 0, one for every effect; nothing for an effect that has no meters or published none.
+  std::vector<std::optional<double>> LargestDb() const;
+
+ private:
+  struct Watched {
+    const EffectInstance* effect;
+    bool has_meters;
+    std::optional<double> smallest_gain;
+  };
+
+  HWND window_;
+  std::vector<Watched> effects_;
+};
+
+class RenderOutput {
+ public:
+  RenderOutput(WavWriter& writer, std::span<const EffectInstance> chain) : writer_(writer), reductions_(chain) {}
+
+  const AudioFormat& Format() const { return writer_.Format(); }
+  // Takes frames that have passed the chain. Throws a Failure. [stream]
+  void Write(const void* data, size_t frames);
+
+  const LevelMeter& Levels() const { return levels_; }
+  const ReductionWatch& Reductions() const { return reductions_; }
+
+ private:
+  WavWriter& writer_;
+  LevelMeter levels_;
+  ReductionWatch reductions_;
+};
+
+// Frames in one buffer. Without automation: few calls. With it: not much more than the effects process with one
+// setting, so that the meters of hardly any chunk are missed.
+size_t BufferFrames(const AudioFormat& format, bool is_automated);
+
+}  // namespace tervan::host

@@ -1,0 +1,69 @@
+// The host's own writer: hands every sample to a RenderOutput on the streaming thread.
+//
+// It is a renderer to the graph: it reports EC_COMPLETE once the stream has ended and the graph runs. An error is kept
+// as a sentence and reported as EC_ERRORABORT.
+#pragma once
+
+#include <windows.h>
+
+#include <dshow.h>
+
+#include <string>
+
+#include "directshow/base_filter.h"
+#include "directshow/critical_section.h"
+#include "directshow/input_pin.h"
+#include "host/render_io.h"
+
+namespace tervan::host {
+
+class WriterFilter;
+
+class WriterPin final : public directshow::InputPin {
+ public:
+  WriterPin(WriterFilter& filter, RenderOutput& output) noexcept;
+
+  HRESULT CheckMediaType(const AM_MEDIA_TYPE& type) override;
+  HRESULT Run(REFERENCE_TIME start) override;
+  HRESULT Inactive() override;
+
+  // What went wrong while streaming, or empty. Read it once the graph is stopped.
+  const std::string& Error() const { return error_; }
+
+ protected:
+  HRESULT OnReceive(IMediaSample& sample) override;
+  HRESULT OnEndOfStream() override;
+
+ private:
+  void CompleteIfDue();
+
+  directshow::BaseFilter& owner_;
+  RenderOutput& output_;
+  std::string error_;
+
+  directshow::CriticalSection completion_lock_;  // guards the flags below
+  bool is_running_ = false;
+  bool has_ended_ = false;
+  bool is_complete_ = false;  // reported
+};
+
+class WriterFilter final : public directshow::Implements<directshow::BaseFilter, IAMFilterMiscFlags> {
+ public:
+  // The output outlives the filter.
+  explicit WriterFilter(RenderOutput& output) noexcept;
+
+  int PinCount() noexcept override { return 1; }
+  directshow::BasePin* PinAt(int) noexcept override { return &pin_; }
+  WriterPin& Pin() noexcept { return pin_; }
+
+  // IAMFilterMiscFlags: how the graph knows whom it has to wait for.
+  STDMETHODIMP_(ULONG) GetMiscFlags() override { return AM_FILTER_MISC_FLAGS_IS_RENDERER; }
+
+ protected:
+  IUnknown* FindInterface(REFIID iid) noexcept override;
+
+ private:
+  WriterPin pin_;
+};
+
+}  // namespace tervan::host
