@@ -46,7 +46,8 @@ HRESULT GetClassObject(REFCLSID clsid, REFIID iid, void** out) {
   *out = nullptr;
   if (iid != IID_IUnknown && iid != IID_IClassFactory) return E_NOINTERFACE;
   const auto table = ClassTable();
-  const auto row = std::find_if(table.begin(), table.end(), [&](const auto& candidate) { return *candidate.clsid == clsid; });
+  const auto row =
+      std::find_if(table.begin(), table.end(), [&](const auto& candidate) { return *candidate.clsid == clsid; });
   if (row == table.end()) return CLASS_E_CLASSNOTAVAILABLE;
   auto* const factory = new (std::nothrow) ClassFactory(*row);
   if (!factory) return E_OUTOFMEMORY;

@@ -20,7 +20,8 @@ struct ClassTemplate {
 
 std::span<const ClassTemplate> ClassTable();
 
-// Creates an object and queries it. S_OK, E_OUTOFMEMORY, the object's own failure, E_NOINTERFACE; *out is null on failure.
+// Creates an object and queries it. S_OK, E_OUTOFMEMORY, the object's own failure, E_NOINTERFACE; *out is null on
+// failure.
 HRESULT CreateFrom(const ClassTemplate& row, IUnknown* outer, REFIID iid, void** out);
 
 }  // namespace tervan

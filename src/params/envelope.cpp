@@ -14,8 +14,8 @@ bool IsOrdered(const SegmentList& list) {
   const auto by_both = [](const SegmentData& a, const SegmentData& b) {
     return a.rtStart < b.rtStart && a.rtEnd < b.rtEnd;
   };
-  return std::adjacent_find(list.begin(), list.end(),
-                            [&](const auto& a, const auto& b) { return !by_both(a, b); }) == list.end();
+  return std::adjacent_find(list.begin(), list.end(), [&](const auto& a, const auto& b) { return !by_both(a, b); }) ==
+         list.end();
 }
 
 // Marks the stored segments that overlap [start, end). The scan ends at the first one that starts at or after the end.
@@ -75,9 +75,7 @@ bool EvaluateSegment(ParamState& state, std::int64_t now_100ns, EnvelopeSegment&
       break;
     case kCurveSquare: SetParabola(state, x, delta, start, scaled_length); break;
     case kCurveInverseSquare: SetParabola(state, x - 1.0, -delta, end, scaled_length); break;
-    default:
-      state.value = segment.valStart;
-      state.slope = state.curvature = 0.0;
+    default: state.value = segment.valStart; state.slope = state.curvature = 0.0;
   }
   const bool constant = state.slope == 0.0 && state.curvature == 0.0;
   const bool unchanged = now_100ns != segment.rtStart && segment.visited != 0 && constant;

@@ -34,12 +34,12 @@ enum class ControlKind : std::uint32_t { kInteger = 0, kSwitch = 1, kFloat = 2 }
 
 struct ParamDescriptor {
   ParamInfo info;
-  std::uint32_t changeMask;     // reported when automation changes the parameter
-  std::int32_t controlMax;      // control value of mpdMaxValue
-  std::int32_t controlMin;      // control value of mpdMinValue
+  std::uint32_t changeMask;      // reported when automation changes the parameter
+  std::int32_t controlMax;       // control value of mpdMaxValue
+  std::int32_t controlMin;       // control value of mpdMinValue
   std::u16string_view enumText;  // item names, comma-separated; empty but for enumerations
   ControlKind controlKind;
-  std::uint32_t recordOffset;   // bytes into the effect's settings record
+  std::uint32_t recordOffset;  // bytes into the effect's settings record
 };
 
 // A row in the order in which tables are read: what it is, its range, its control range, its place in the record.

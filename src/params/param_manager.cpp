@@ -68,7 +68,8 @@ HRESULT ParamManager::SetParam(std::uint32_t index, float value) {
   return std::exchange(state.value, value) == value ? S_FALSE : S_OK;
 }
 
-// Edits the lists of one row or of all. The new list is made beside the old one, so that the stream only ever waits for a swap.
+// Edits the lists of one row or of all. The new list is made beside the old one, so that the stream only ever waits for
+// a swap.
 template <typename Edit>
 HRESULT ParamManager::EditEnvelopes(std::uint32_t index, const Edit& edit) {
   if (index != kAllParams && index >= table_.size()) return E_INVALIDARG;
@@ -98,8 +99,7 @@ HRESULT ParamManager::AddEnvelope(std::uint32_t index, std::uint32_t count, cons
 }
 
 HRESULT ParamManager::FlushEnvelope(std::uint32_t index, std::int64_t start_100ns, std::int64_t end_100ns) {
-  return EditEnvelopes(
-      index, [=](const SegmentList& stored) { return WithoutSpan(stored, start_100ns, end_100ns); });
+  return EditEnvelopes(index, [=](const SegmentList& stored) { return WithoutSpan(stored, start_100ns, end_100ns); });
 }
 
 HRESULT ParamManager::SetTimeFormat(const GUID& format, [[maybe_unused]] std::uint32_t time_data) {

@@ -1,8 +1,8 @@
-// The parameter store of an automated effect: descriptions, values, automation envelopes and edit reporting in one place, where the
-// page, presets, stored settings and automation all meet.
+// The parameter store of an automated effect: descriptions, values, automation envelopes and edit reporting in one
+// place, where the page, presets, stored settings and automation all meet.
 //
-// Parameters are numbered by their row in the table. Values are in the table's units; control values are the same in the units of the
-// settings record. Times are stream times in 100-ns units.
+// Parameters are numbered by their row in the table. Values are in the table's units; control values are the same in
+// the units of the settings record. Times are stream times in 100-ns units.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ namespace tervan {
 
 inline constexpr GUID kTimeReference{0x93ad712b, 0xdaa0, 0x4ffe, {0xbc, 0x81, 0xb0, 0xce, 0x50, 0x0f, 0xcd, 0xd9}};
 inline constexpr std::uint32_t kAllParams = 0xFFFFFFFF;
-inline constexpr std::size_t kMaxParams = 32;             // no table has more rows
+inline constexpr std::size_t kMaxParams = 32;              // no table has more rows
 inline constexpr std::int64_t kChunkLimit_100ns = 200000;  // 20 ms
 
 class ParamManager {
@@ -32,17 +32,18 @@ class ParamManager {
 
   std::span<const ParamDescriptor> table() const { return table_; }
 
-  // --- [any thread] ---------------------------------------------------------------------------------------------------------------
+  // --- [any thread]
+  // ---------------------------------------------------------------------------------------------------------------
 
   // S_OK; E_POINTER; E_INVALIDARG for an index without a row.
   HRESULT GetParam(std::uint32_t index, float* value) const;
 
-  // S_OK when the value changed, S_FALSE when it is the same or automation governs it now. E_INVALIDARG for an index without a row and
-  // for a value outside the range (NaN is outside). The recorder is not told.
+  // S_OK when the value changed, S_FALSE when it is the same or automation governs it now. E_INVALIDARG for an index
+  // without a row and for a value outside the range (NaN is outside). The recorder is not told.
   HRESULT SetParam(std::uint32_t index, float value);
 
-  // index: a row or kAllParams. E_POINTER; E_INVALIDARG (no segments, no such row, a value that is not finite); E_OUTOFMEMORY, then
-  // that row and the following ones are unchanged.
+  // index: a row or kAllParams. E_POINTER; E_INVALIDARG (no segments, no such row, a value that is not finite);
+  // E_OUTOFMEMORY, then that row and the following ones are unchanged.
   HRESULT AddEnvelope(std::uint32_t index, std::uint32_t count, const SegmentData* segments);
   HRESULT FlushEnvelope(std::uint32_t index, std::int64_t start_100ns, std::int64_t end_100ns);
 
@@ -53,7 +54,8 @@ class ParamManager {
   // Null: edits go unreported. The recorder is called without any lock held, by the thread that edits.
   void SetRecorder(std::shared_ptr<ParamRecorder> recorder);
 
-  // --- Control values [page, host]: index is a row, control is not range-checked ------------------------------------------------------
+  // --- Control values [page, host]: index is a row, control is not range-checked
+  // ------------------------------------------------------
 
   std::int32_t GetInteger(std::uint32_t index) const;
   float GetFloat(std::uint32_t index) const;
@@ -62,16 +64,17 @@ class ParamManager {
   bool SetInteger(std::uint32_t index, std::int32_t control);
   bool SetFloat(std::uint32_t index, float control);
 
-  bool BeginEdit(std::uint32_t index);  // false when an edit was in progress already
-  bool EndEdit(std::uint32_t index);    // false when none was
+  bool BeginEdit(std::uint32_t index);         // false when an edit was in progress already
+  bool EndEdit(std::uint32_t index);           // false when none was
   bool IsEditable(std::uint32_t index) const;  // false while streaming inside a segment
 
-  // record: the effect's settings record; fields without a row are left alone. Import reports all begins, then all changed values, then
-  // all ends; the values change together, so that no snapshot holds half of them.
+  // record: the effect's settings record; fields without a row are left alone. Import reports all begins, then all
+  // changed values, then all ends; the values change together, so that no snapshot holds half of them.
   void ExportSettings(void* record) const;
   void ImportSettings(const void* record);
 
-  // --- [stream] -----------------------------------------------------------------------------------------------------------------------
+  // --- [stream]
+  // -----------------------------------------------------------------------------------------------------------------------
 
   void SetStreaming(bool streaming);
   void SetSampleRate(std::uint32_t sample_rate_hz);  // 0: time stands still
@@ -86,9 +89,9 @@ class ParamManager {
   void StepPastBlock();                         // the clock to one frame after the block's end
   void ResetClock();
 
-  // How many of the next `frames` frames can be processed before a parameter changes; ORs the change masks of the parameters that
-  // changed now into *flags (may be null) and advances the clock. At least 1 while frames > 0, at most kChunkLimit_100ns of audio
-  // while any envelope exists. time_scale: see FindSegment.
+  // How many of the next `frames` frames can be processed before a parameter changes; ORs the change masks of the
+  // parameters that changed now into *flags (may be null) and advances the clock. At least 1 while frames > 0, at most
+  // kChunkLimit_100ns of audio while any envelope exists. time_scale: see FindSegment.
   std::uint32_t NextChangeFrames(std::uint32_t frames, std::uint32_t* flags, double time_scale = 1.0);
 
  private:

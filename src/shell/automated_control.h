@@ -18,7 +18,8 @@ class AutomatedControl : public ControlState {
 
   ParamManager& params() { return params_; }
 
-  // One group of operations per parameter, for control interfaces. Control: std::int32_t or float, as the row's kind says; index: a row.
+  // One group of operations per parameter, for control interfaces. Control: std::int32_t or float, as the row's kind
+  // says; index: a row.
 
   // S_OK; E_POINTER.
   template <typename Control>
@@ -37,7 +38,7 @@ class AutomatedControl : public ControlState {
   HRESULT Set(std::uint32_t index, std::int32_t control);
 
   HRESULT BeginEdit(std::uint32_t index) { return params_.BeginEdit(index) ? S_OK : S_FALSE; }
-  HRESULT EndEdit(std::uint32_t index);                    // always S_OK; the engine fetches the settings again
+  HRESULT EndEdit(std::uint32_t index);  // always S_OK; the engine fetches the settings again
   HRESULT IsAutomated(std::uint32_t index) const { return params_.IsEditable(index) ? S_FALSE : S_OK; }
 
   // As ParamManager::SetParam; S_OK also marks the settings as changed and modified.

@@ -1,4 +1,5 @@
-// What every effect's control object keeps beside its settings: change flags, registered windows, the connected format, one lock.
+// What every effect's control object keeps beside its settings: change flags, registered windows, the connected format,
+// one lock.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +31,7 @@ class ControlState {
   void MarkChangedAndDirty();  // and the host should save them
   bool IsChanged() const;      // without clearing
   bool IsDirty() const;
-  bool TakeDirty();            // clears it and says what it was
+  bool TakeDirty();  // clears it and says what it was
   void MarkDirty();
 
  protected:

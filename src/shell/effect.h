@@ -26,14 +26,15 @@ enum class ModeSettles { kAfterPush, kAfterFirstChunk };
 struct EffectTraits {
   GUID filter_clsid;
   GUID page_clsid;
-  bool drains_at_end;        // end-of-stream is preceded by a drain
-  ModeSettles mode_settles;  // for effects with automation
+  bool drains_at_end;                    // end-of-stream is preceded by a drain
+  ModeSettles mode_settles;              // for effects with automation
   std::uint16_t settings_replaced_code;  // posted after a preset, a load, and at construction
   StoredState stored;
   PresetList presets;
 };
 
-// Implemented by each effect; away from Windows, too. Operations are called on the streaming thread unless they say otherwise.
+// Implemented by each effect; away from Windows, too. Operations are called on the streaming thread unless they say
+// otherwise.
 class Effect {
  public:
   virtual ~Effect() = default;

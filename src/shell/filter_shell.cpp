@@ -30,9 +30,10 @@ FilterShell::FilterShell(IUnknown* outer, std::unique_ptr<Effect> effect)
 
 IUnknown* FilterShell::FindInterface(REFIID iid) noexcept {
   if (effect_->params()) {
-    if (IUnknown* const found = directshow::FindIn(iid, {{__uuidof(IMediaParams), static_cast<IMediaParams*>(this)},
-                                                         {__uuidof(IMediaParamInfo), static_cast<IMediaParamInfo*>(this)},
-                                                         {__uuidof(IParamRecorderSite), static_cast<IParamRecorderSite*>(this)}})) {
+    if (IUnknown* const found =
+            directshow::FindIn(iid, {{__uuidof(IMediaParams), static_cast<IMediaParams*>(this)},
+                                     {__uuidof(IMediaParamInfo), static_cast<IMediaParamInfo*>(this)},
+                                     {__uuidof(IParamRecorderSite), static_cast<IParamRecorderSite*>(this)}})) {
       return found;
     }
   }
@@ -64,7 +65,8 @@ HRESULT FilterShell::CheckInputType(const AM_MEDIA_TYPE& type) {
 }
 
 HRESULT FilterShell::SetMediaType(PIN_DIRECTION direction, const AM_MEDIA_TYPE& type) {
-  // A change of format within the stream starts the engine anew: its coefficients belong to a rate. The output's follows the input's.
+  // A change of format within the stream starts the engine anew: its coefficients belong to a rate. The output's
+  // follows the input's.
   const bool restart = is_streaming_ && direction == PINDIR_INPUT;
   if (restart) processor_.StopStreaming();
   processor_.SetFormat(NormalisedFormat(type.pbFormat));

@@ -1,5 +1,5 @@
-// The COM half of every effect's filter: pins and streaming by the in-place transform base, and the interfaces that the four effects share.
-// All of them forward to the portable half; an effect's own filter adds its control interface.
+// The COM half of every effect's filter: pins and streaming by the in-place transform base, and the interfaces that the
+// four effects share. All of them forward to the portable half; an effect's own filter adds its control interface.
 #pragma once
 
 #include <windows.h>

@@ -1,5 +1,5 @@
-// IMediaParams with the slots in the order in which hosts call them. The toolchain's own declaration has the same IID and methods but
-// another order, so it must not be used; of its header only the records and IMediaParamInfo serve.
+// IMediaParams with the slots in the order in which hosts call them. The toolchain's own declaration has the same IID
+// and methods but another order, so it must not be used; of its header only the records and IMediaParamInfo serve.
 #pragma once
 
 #include <windows.h>
@@ -10,13 +10,16 @@
 
 namespace tervan {
 
-// Indices are rows of the effect's parameter table; 0xFFFFFFFF reaches all of them where told so. E_INVALIDARG for other indices.
+// Indices are rows of the effect's parameter table; 0xFFFFFFFF reaches all of them where told so. E_INVALIDARG for
+// other indices.
 struct IMediaParams : IUnknown {
   // Slot 3. S_OK, or E_POINTER. [any thread]
   virtual HRESULT STDMETHODCALLTYPE GetParam(DWORD index, MP_DATA* value) = 0;
-  // Slot 4. S_OK; S_FALSE when that is already the value or automation governs it; E_INVALIDARG outside the range. [host]
+  // Slot 4. S_OK; S_FALSE when that is already the value or automation governs it; E_INVALIDARG outside the range.
+  // [host]
   virtual HRESULT STDMETHODCALLTYPE SetParam(DWORD index, MP_DATA value) = 0;
-  // Slot 5. One or all parameters. S_OK; E_POINTER; E_INVALIDARG without segments or for values that are not finite. [host]
+  // Slot 5. One or all parameters. S_OK; E_POINTER; E_INVALIDARG without segments or for values that are not finite.
+  // [host]
   virtual HRESULT STDMETHODCALLTYPE AddEnvelope(DWORD index, DWORD count, MP_ENVELOPE_SEGMENT* segments) = 0;
   // Slot 6. One or all parameters; removes the segments that overlap the span. S_OK. [host]
   virtual HRESULT STDMETHODCALLTYPE FlushEnvelope(DWORD index, REFERENCE_TIME start, REFERENCE_TIME end) = 0;

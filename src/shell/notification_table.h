@@ -28,7 +28,8 @@ class NotificationTable {
  public:
   explicit NotificationTable(WindowPoster& poster) : poster_(poster) {}
 
-  // Registers the window, or gives a registered one its new id; id 0 removes it. E_OUTOFMEMORY when two others are registered.
+  // Registers the window, or gives a registered one its new id; id 0 removes it. E_OUTOFMEMORY when two others are
+  // registered.
   HRESULT SetWindow(WindowHandle window, std::int32_t command_id);
 
   // Windows that no longer exist are forgotten.

@@ -1,4 +1,5 @@
-// Stored settings: a 20-byte header (size field, tag GUID), then the body, little-endian and without padding. And factory presets.
+// Stored settings: a 20-byte header (size field, tag GUID), then the body, little-endian and without padding. And
+// factory presets.
 #pragma once
 
 #include <bit>
@@ -55,8 +56,8 @@ constexpr PresetList ListOf(const FactoryPreset<Record> (&presets)[kCount]) {
   return {presets, kCount, sizeof(FactoryPreset<Record>)};
 }
 
-// A stream of bytes as the host's storage offers it. Results are the stream's own; a short read that the stream reports as success is
-// taken as success.
+// A stream of bytes as the host's storage offers it. Results are the stream's own; a short read that the stream reports
+// as success is taken as success.
 class ByteStream {
  public:
   virtual ~ByteStream() = default;
@@ -66,8 +67,8 @@ class ByteStream {
 
 class Effect;
 
-// Replaces the effect's settings by a stored record and tells its windows. E_FAIL for an unknown form, else the result of the read;
-// a failed read leaves the settings alone, a short one the fields that it did not reach.
+// Replaces the effect's settings by a stored record and tells its windows. E_FAIL for an unknown form, else the result
+// of the read; a failed read leaves the settings alone, a short one the fields that it did not reach.
 HRESULT LoadState(Effect& effect, ByteStream& stream);
 
 // Writes the current form; both parts written, clear_dirty takes the modified flag back.

@@ -45,8 +45,13 @@ StreamFormat NormalisedFormat(const void* block) {
 }
 
 StreamFormat FloatFormat(std::uint16_t channels, std::uint32_t sample_rate_hz) {
-  StreamFormat format{.wFormatTag = kTagFloat, .nChannels = channels, .nSamplesPerSec = sample_rate_hz,
-                      .nAvgBytesPerSec = 0, .nBlockAlign = 0, .wBitsPerSample = 32, .cbSize = 0};
+  StreamFormat format{.wFormatTag = kTagFloat,
+                      .nChannels = channels,
+                      .nSamplesPerSec = sample_rate_hz,
+                      .nAvgBytesPerSec = 0,
+                      .nBlockAlign = 0,
+                      .wBitsPerSample = 32,
+                      .cbSize = 0};
   ComputeSizes(format);
   return format;
 }

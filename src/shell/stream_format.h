@@ -20,7 +20,7 @@ struct StreamFormat {
   std::uint32_t nAvgBytesPerSec;  // always nBlockAlign × nSamplesPerSec
   std::uint16_t nBlockAlign;      // bytes per frame, always wBitsPerSample ÷ 8 × nChannels
   std::uint16_t wBitsPerSample;
-  std::uint16_t cbSize;           // always 0
+  std::uint16_t cbSize;  // always 0
 };
 #pragma pack(pop)
 static_assert(sizeof(StreamFormat) == 18);

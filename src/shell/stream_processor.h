@@ -1,5 +1,6 @@
-// The processing loop that all effects share: cuts buffers at automation changes, pushes settings into the engine when they changed, and
-// hands each chunk to the engine's routine for the stream's format. Serves media samples and plain float buffers alike.
+// The processing loop that all effects share: cuts buffers at automation changes, pushes settings into the engine when
+// they changed, and hands each chunk to the engine's routine for the stream's format. Serves media samples and plain
+// float buffers alike.
 //
 // One streaming thread at a time. Nothing here takes a lock of its own, allocates or waits.
 #pragma once
@@ -43,7 +44,8 @@ class StreamProcessor {
   void BeginDrain() { draining_ = true; }
   void EndDrain() { draining_ = data_received_ = false; }
 
-  // --- Direct processing of interleaved 32-bit floats ----------------------------------------------------------------------------------
+  // --- Direct processing of interleaved 32-bit floats
+  // ----------------------------------------------------------------------------------
 
   // channels 1 or 2, else E_INVALIDARG; else as StartStreaming.
   HRESULT BeginStream(std::uint32_t channels, std::uint32_t sample_rate_hz);

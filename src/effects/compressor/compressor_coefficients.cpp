@@ -61,8 +61,8 @@ CompressorCoefficients DesignCompressor(const CompressorSettings& settings, std:
   c.out_gain = GainOf(SafeDb(settings.output_gain_db));
   double threshold = threshold_db > kSilenceDb ? std::pow(10.0, threshold_db * kDbFactor) : kLowestThreshold;
 
-  // A higher threshold is realised by attenuating the input, compressing at -3 dB and restoring the level behind: 1 - threshold
-  // stays away from 0.
+  // A higher threshold is realised by attenuating the input, compressing at -3 dB and restoring the level behind,
+  // so that 1 - threshold stays away from 0.
   if (threshold_db > kHighestWorkingThresholdDb) {
     const double pad = std::pow(10.0, (kHighestWorkingThresholdDb - threshold_db) * kDbFactor);
     c.in_gain *= pad;

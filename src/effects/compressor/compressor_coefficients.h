@@ -4,7 +4,8 @@
 //
 //   y = slope thr + (1 - slope) x,    slope = (1 - full) / (1 - thr),    full = thr^(1 - 1/amount),
 //
-// from (thr, thr) to (1, full): at full scale it meets an exact amount:1 compressor, and it is continuous at the threshold.
+// from (thr, thr) to (1, full): at full scale it meets an exact amount:1 compressor, and it is continuous at the
+// threshold.
 #pragma once
 
 #include <cstdint>

@@ -3,7 +3,6 @@
 #include <cstring>
 #include <utility>
 
-
 namespace tervan {
 
 HRESULT CompressorControl::GetSettings(CompressorSettings* settings) const {

@@ -1,4 +1,5 @@
-// The compressor's control object: settings, older stored forms, meters. What the page and the host reach through ICompressorSettings.
+// The compressor's control object: settings, older stored forms, meters. What the page and the host reach through
+// ICompressorSettings.
 #pragma once
 
 #include <cstdint>

@@ -39,7 +39,8 @@ void CompressorEngine::Run(typename Codec::Sample* data, std::uint32_t frames, M
   } else {
     compressor::RunFrames<Codec, 2, kSingle>(coefficients_, state_, data, frames, meter);
   }
-  // A window that comes or goes switches between the two paths: the held level goes along, or a stale one would lift the gain.
+  // A window that comes or goes switches between the two paths: the held level goes along, or a stale one would lift
+  // the gain.
   if constexpr (kSingle) {
     if (format_.nChannels == 2) state_.hold = static_cast<double>(state_.hold_single);
   }
@@ -59,7 +60,8 @@ void CompressorEngine::ProcessMetered(typename Codec::Sample* data, std::uint32_
   Publish(meter);
 }
 
-// The pure compression: input gain, output gain and make-up divided out. The quotient of the smallest gain is the smallest quotient.
+// The pure compression: input gain, output gain and make-up divided out. The quotient of the smallest gain is the
+// smallest quotient.
 void CompressorEngine::Publish(const PeakMeter& meter) {
   const CompressorCoefficients& c = coefficients_;
   const bool compressed = meter.least_gain != PeakMeter::kNoGainYet && c.out_gain != 0.0;

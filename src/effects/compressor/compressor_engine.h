@@ -1,4 +1,5 @@
-// The compressor's signal path: stereo-linked, in place, in all sample formats. Streaming thread only; no allocation, no lock of its own.
+// The compressor's signal path: stereo-linked, in place, in all sample formats. Streaming thread only; no allocation,
+// no lock of its own.
 #pragma once
 
 #include <cstdint>
@@ -37,13 +38,15 @@ class CompressorEngine {
   // Derives the coefficients. keep_state kDiscontinuity: gain and low-pass start anew; the detector does in any case.
   void LoadParameters(const CompressorSettings& settings, ProcessMode keep_state);
 
-  // *frames interleaved frames in place, with the format's channel count. In kDrain mode nothing is touched: S_FALSE and no frames.
+  // *frames interleaved frames in place, with the format's channel count. In kDrain mode nothing is touched: S_FALSE
+  // and no frames.
   HRESULT ProcessPcm8(ProcessMode mode, std::uint8_t* data, std::uint32_t* frames);
   HRESULT ProcessPcm16(ProcessMode mode, std::int16_t* data, std::uint32_t* frames);
   HRESULT ProcessPcm32(ProcessMode mode, std::int32_t* data, std::uint32_t* frames);
   HRESULT ProcessFloat64(ProcessMode mode, double* data, std::uint32_t* frames);
 
-  // Meters only while the filter is watched. stop: publishes the idle record, asks for new settings, S_FALSE and no frames.
+  // Meters only while the filter is watched. stop: publishes the idle record, asks for new settings, S_FALSE and no
+  // frames.
   HRESULT ProcessFloat32(ProcessMode mode, float* data, std::uint32_t* frames, bool stop);
 
  private:

@@ -26,8 +26,8 @@ struct ICompressorSettings : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE SetLegacySettings8(const UINT32* words) = 0;
   // Slot 7. S_OK, or VFW_E_NOT_CONNECTED.
   virtual HRESULT STDMETHODCALLTYPE GetFormat(WAVEFORMATEX* format) = 0;
-  // Slot 8. Has WM_COMMAND with the id and a notification code posted to the window; id 0 ends it. S_OK, or E_OUTOFMEMORY when two other
-  // windows are registered. [page]
+  // Slot 8. Has WM_COMMAND with the id and a notification code posted to the window; id 0 ends it. S_OK, or
+  // E_OUTOFMEMORY when two other windows are registered. [page]
   virtual HRESULT STDMETHODCALLTYPE SetNotifyWindow(HWND window, int command_id) = 0;
 
   // Slots 9 to 53.

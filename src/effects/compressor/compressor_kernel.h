@@ -1,4 +1,5 @@
-// The compressor's frame loop, in separate steps: level detector with valley fill, gain computer with peak hold, gain smoothing, metering.
+// The compressor's frame loop, in separate steps: level detector with valley fill, gain computer with peak hold, gain
+// smoothing, metering.
 //
 // Per frame, with the level p = max |x| over its channels:
 //
@@ -77,8 +78,8 @@ inline double TargetGain(const CompressorCoefficients& c, Level level, Level thr
 }
 
 inline double SmoothedGain(const CompressorCoefficients& c, double gain, double target, double& low_pass) noexcept {
-  gain = target < gain ? c.attack * gain + c.attack_complement * target
-                       : c.release * gain + c.release_complement * target;
+  gain =
+      target < gain ? c.attack * gain + c.attack_complement * target : c.release * gain + c.release_complement * target;
   if (!c.smooth) return gain;
   const double before = Flushed(low_pass);
   low_pass = kLowPassA * gain + kLowPassB * before;

@@ -1,5 +1,5 @@
-// Hands meter records from the stream to the page. With a reference clock, records are kept with their stream times, so that the page
-// sees what is heard now, not what was processed ahead.
+// Hands meter records from the stream to the page. With a reference clock, records are kept with their stream times, so
+// that the page sees what is heard now, not what was processed ahead.
 //
 // Not synchronised: its owner's lock guards it. Times in 100-ns units.
 #pragma once
@@ -27,7 +27,8 @@ class MeterExchange {
 
   const CompressorMeters& latest() const { return latest_; }
 
-  // The record at a time, interpolated between its neighbours; the idle one at time 0. Forgets the records before. Needs a history.
+  // The record at a time, interpolated between its neighbours; the idle one at time 0. Forgets the records before.
+  // Needs a history.
   CompressorMeters At(std::int64_t now_100ns);
 
   // Idle record, empty history, stream time 0.

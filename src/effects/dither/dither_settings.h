@@ -1,4 +1,5 @@
-// The Dither's settings: record, stored form and factory presets. They are indices into lists, not automatable parameters.
+// The Dither's settings: record, stored form and factory presets. They are indices into lists, not automatable
+// parameters.
 #pragma once
 
 #include <cstdint>

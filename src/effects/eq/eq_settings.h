@@ -36,7 +36,8 @@ struct BandNeutrals {
 };
 inline constexpr BandNeutrals kNeutrals[kEqBands] = {{100, 2, 1}, {300, 1, 2}, {1000, 1, 2}, {5000, 2, 3}};
 
-// label behind "BandN ", unit, type, min, max, neutral of band 1, control min, control max, kind, offset of band 1, items
+// label behind "BandN ", unit, type, min, max, neutral of band 1, control min, control max, kind, offset of band 1,
+// items
 inline constexpr ParamRow kBandRows[kParamsPerBand] = {
     {u"Frequency", u"Hz", ParamType::kFloat, 20, 20000, 100, 20, 20000, ControlKind::kInteger, 32},
     {u"Gain", u"dB", ParamType::kFloat, -15, 15, 0, -150, 150, ControlKind::kInteger, 0},
@@ -84,6 +85,8 @@ inline constexpr EqSettings kMissingFields{};
 // The size field is 4 short of the 124 bytes that a save writes, and a load leaves the bypass behind it unread.
 inline constexpr StoredForm kForms[] = {{120, &kTag, 100, &kMissingFields}};
 
+// One row each:
+// clang-format off
 // name, {gains, bandwidths, frequencies, modes, rolloffs, enables, selected band, bypass}. Gains below -150 cut fully.
 inline constexpr FactoryPreset<EqSettings> kPresets[] = {
     {"(Default)",
@@ -99,8 +102,7 @@ inline constexpr FactoryPreset<EqSettings> kPresets[] = {
     {"Add air (boost above 16k by 6 dB)",
      {{0, 0, 0, 60}, {10, 10, 10, 10}, {100, 300, 1000, 16000}, {1, 2, 2, 3}, {1, 1, 1, 1}, {0, 0, 0, 1}, 3, 0}},
     {"Anti-DTMF Talkoff",
-     {{-250, -250, -250, -250}, {3, 3, 3, 3}, {1209, 1336, 1447, 1633}, {2, 2, 2, 2}, {1, 1, 1, 1}, {1, 1, 1, 1},
-      0, 0}},
+     {{-250, -250, -250, -250}, {3, 3, 3, 3}, {1209, 1336, 1447, 1633}, {2, 2, 2, 2}, {1, 1, 1, 1}, {1, 1, 1, 1}, 0, 0}},
     {"Boost bass frequencies below 250 Hz by 4 dB",
      {{40, 0, 0, 0}, {10, 10, 10, 10}, {250, 300, 1000, 5000}, {1, 2, 2, 3}, {1, 1, 1, 1}, {1, 0, 0, 0}, 0, 0}},
     {"Boost frequencies above 7 kHz",
@@ -114,6 +116,7 @@ inline constexpr FactoryPreset<EqSettings> kPresets[] = {
     {"Remove very low and inaudible frequencies below 20 Hz",
      {{-250, 0, 0, 0}, {10, 10, 10, 10}, {20, 300, 1000, 5000}, {1, 2, 2, 3}, {1, 1, 1, 1}, {1, 0, 0, 0}, 0, 0}},
 };
+// clang-format on
 
 }  // namespace eq
 }  // namespace tervan

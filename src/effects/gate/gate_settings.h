@@ -43,6 +43,8 @@ inline constexpr StoredForm kForms[] = {
     {32, &kOlderTag, 12, &kMissingFields},
 };
 
+// One row each:
+// clang-format off
 // name, {attack ms, release ms, threshold in tenths of a dB, bypass}
 inline constexpr FactoryPreset<GateSettings> kPresets[] = {
     {"(Default)", {3, 100, -800, 0}},
@@ -53,6 +55,7 @@ inline constexpr FactoryPreset<GateSettings> kPresets[] = {
     {"Noise gate 2", {1, 500, -320, 0}},
     {"Slow attack", {300, 1000, -400, 0}},
 };
+// clang-format on
 
 }  // namespace gate
 }  // namespace tervan
