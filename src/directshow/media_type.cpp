@@ -1,9 +1,23 @@
 #include "directshow/media_type.h"
 
+#include <algorithm>
 #include <cstring>
+#include <span>
 #include <utility>
 
 namespace tervan::directshow {
+namespace {
+
+// Types come from other filters: a length without a block counts as no block.
+std::span<const BYTE> FormatBlock(const AM_MEDIA_TYPE& type) {
+  return {type.pbFormat, type.pbFormat ? type.cbFormat : 0};
+}
+
+bool HasSameFormat(const AM_MEDIA_TYPE& a, const AM_MEDIA_TYPE& b) {
+  return a.formattype == b.formattype && std::ranges::equal(FormatBlock(a), FormatBlock(b));
+}
+
+}  // namespace
 
 HRESULT MediaType::Assign(const AM_MEDIA_TYPE& source) noexcept {
   AM_MEDIA_TYPE copy;
@@ -42,16 +56,16 @@ void MediaType::Swap(MediaType& other) noexcept { std::swap(type_, other.type_);
 
 HRESULT CopyMediaType(AM_MEDIA_TYPE* target, const AM_MEDIA_TYPE& source) noexcept {
   *target = source;
+  const std::span<const BYTE> format = FormatBlock(source);
+  target->cbFormat = static_cast<ULONG>(format.size());
   target->pbFormat = nullptr;
-  if (source.cbFormat != 0 && source.pbFormat) {
-    target->pbFormat = static_cast<BYTE*>(CoTaskMemAlloc(source.cbFormat));
+  if (!format.empty()) {
+    target->pbFormat = static_cast<BYTE*>(CoTaskMemAlloc(format.size()));
     if (!target->pbFormat) {
       *target = {};
       return E_OUTOFMEMORY;
     }
-    std::memcpy(target->pbFormat, source.pbFormat, source.cbFormat);
-  } else {
-    target->cbFormat = 0;  // a length without a block would be read by someone
+    std::memcpy(target->pbFormat, format.data(), format.size());
   }
   if (target->pUnk) target->pUnk->AddRef();
   return S_OK;
@@ -81,8 +95,7 @@ void DeleteMediaType(AM_MEDIA_TYPE* type) noexcept {
 }
 
 bool IsSameMediaType(const AM_MEDIA_TYPE& a, const AM_MEDIA_TYPE& b) noexcept {
-  return a.majortype == b.majortype && a.subtype == b.subtype && a.formattype == b.formattype &&
-         a.cbFormat == b.cbFormat && (a.cbFormat == 0 || std::memcmp(a.pbFormat, b.pbFormat, a.cbFormat) == 0);
+  return a.majortype == b.majortype && a.subtype == b.subtype && HasSameFormat(a, b);
 }
 
 bool IsPartialMediaType(const AM_MEDIA_TYPE& type) noexcept {
@@ -92,9 +105,7 @@ bool IsPartialMediaType(const AM_MEDIA_TYPE& type) noexcept {
 bool MatchesPartialMediaType(const AM_MEDIA_TYPE& type, const AM_MEDIA_TYPE& partial) noexcept {
   if (partial.majortype != GUID_NULL && partial.majortype != type.majortype) return false;
   if (partial.subtype != GUID_NULL && partial.subtype != type.subtype) return false;
-  if (partial.formattype == GUID_NULL) return true;
-  return partial.formattype == type.formattype && partial.cbFormat == type.cbFormat &&
-         (type.cbFormat == 0 || std::memcmp(partial.pbFormat, type.pbFormat, type.cbFormat) == 0);
+  return partial.formattype == GUID_NULL || HasSameFormat(type, partial);
 }
 
 }  // namespace tervan::directshow

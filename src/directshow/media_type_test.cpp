@@ -30,6 +30,7 @@ TEST(MediaType, ALengthWithoutAFormatBlockIsNotCopied) {
   MediaType copy;
   ASSERT_EQ(copy.Assign(source), S_OK);
   EXPECT_EQ(copy->cbFormat, 0u);
+  EXPECT_TRUE(IsSameMediaType(source, copy)) << "and is not read when comparing";
 }
 
 TEST(MediaType, APartialTypeFitsWhatItNames) {

@@ -290,8 +290,14 @@ class SinkPin final : public InputPin {
     if (options_.only_own_allocator && allocator != own_.Get()) return E_FAIL;
     return InputPin::NotifyAllocator(allocator, read_only);
   }
+  HRESULT Run(REFERENCE_TIME) override {
+    ReportEnd(has_ended_, true);
+    return S_OK;
+  }
   HRESULT Inactive() override {
     release.Set();
+    const std::lock_guard guard(end_lock_);
+    has_ended_ = is_running_ = false;
     return InputPin::Inactive();
   }
 
@@ -321,7 +327,7 @@ class SinkPin final : public InputPin {
   }
   HRESULT OnEndOfStream() override {
     ++ends_of_stream;
-    Filter().NotifyGraph(EC_COMPLETE, S_OK, 0);
+    ReportEnd(true, is_running_);
     ended.Set();
     return S_OK;
   }
@@ -343,8 +349,18 @@ class SinkPin final : public InputPin {
   Event entered, release, ended;
 
  private:
+  // A graph expects the end of a stream only while it runs; a short stream ends earlier.
+  void ReportEnd(bool has_ended, bool is_running) {
+    const std::lock_guard guard(end_lock_);
+    has_ended_ = has_ended;
+    is_running_ = is_running;
+    if (has_ended && is_running) Filter().NotifyGraph(EC_COMPLETE, S_OK, 0);
+  }
+
   const SinkOptions options_;
   ComPtr<IMemAllocator> own_;
+  std::mutex end_lock_;
+  std::atomic<bool> has_ended_ = false, is_running_ = false;
 };
 
 // A graph waits only for the end of those filters that call themselves renderers.
