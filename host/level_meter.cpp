@@ -14,9 +14,9 @@ void LevelMeter::Add(SampleType type, const void* data, size_t samples) {
     double peak = peak_;
     double square_sum = 0.0;
     for (size_t i = 0; i < samples; ++i) {
-      const double magnitude = std::fabs(Normalised(typed[i]));
-      // False for NaN as well.
-      if (!(magnitude <= std::numeric_limits<double>::max())) continue;
+      const double sample = std::fabs(Normalised(typed[i]));
+      // The comparison is false for NaN as well.
+      const double magnitude = sample <= std::numeric_limits<double>::max() ? sample : 0.0;
       peak = std::max(peak, magnitude);
       square_sum += magnitude * magnitude;
     }

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "shell/media_params.h"  // IMediaParams as hosts call it; shadows the toolchain's
+
 namespace tervan::host {
 
 struct ParamDescription {
