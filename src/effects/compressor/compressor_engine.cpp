@@ -8,6 +8,13 @@ namespace tervan {
 using compressor::NoMeter;
 using compressor::PeakMeter;
 
+namespace {
+
+// Of the metered gain: a gain still on its way down from far higher settings means nothing to the page.
+constexpr double kGainLimit = 1e6;
+
+}  // namespace
+
 void CompressorEngine::Start(const StreamFormat& format) {
   format_ = format;
   LoadSnapshot(ProcessMode::kDiscontinuity, true);
@@ -66,11 +73,12 @@ void CompressorEngine::Publish(const PeakMeter& meter) {
   const CompressorCoefficients& c = coefficients_;
   const bool compressed = meter.least_gain != PeakMeter::kNoGainYet && c.out_gain != 0.0;
   const std::size_t right = format_.nChannels == 1 ? 0 : 1;
-  owner_.PublishMeters({.input_left = meter.input[0] * c.meter_in_gain,
-                        .input_right = meter.input[right] * c.meter_in_gain,
-                        .output_left = meter.output[0],
-                        .output_right = meter.output[right],
-                        .reduction = compressed ? meter.least_gain / c.in_gain / c.out_gain : 1.0});
+  owner_.PublishMeters(
+      {.input_left = meter.input[0] * c.meter_in_gain,
+       .input_right = meter.input[right] * c.meter_in_gain,
+       .output_left = meter.output[0],
+       .output_right = meter.output[right],
+       .reduction = compressed ? std::min(meter.least_gain / c.in_gain, kGainLimit) / c.out_gain : 1.0});
 }
 
 template <typename Codec>

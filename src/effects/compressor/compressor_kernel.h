@@ -15,6 +15,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
 #include "effects/compressor/compressor_coefficients.h"
@@ -96,7 +97,7 @@ double MeterLevel(typename Codec::Sample sample) noexcept {
 
 // Metering of the loop: peaks of channels 0 and 1 before and after, and the smallest gain.
 struct PeakMeter {
-  static constexpr double kNoGainYet = 1e6;
+  static constexpr double kNoGainYet = std::numeric_limits<double>::infinity();
   double input[2] = {0.0, 0.0};
   double output[2] = {0.0, 0.0};
   double least_gain = kNoGainYet;

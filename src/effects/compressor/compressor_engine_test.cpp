@@ -1,0 +1,531 @@
+#include "effects/compressor/compressor_engine.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <numbers>
+#include <random>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "effects/compressor/compressor_model.h"
+#include "effects/compressor/compressor_test_rig.h"
+#include "support/testing/programme.h"
+
+namespace tervan {
+namespace {
+
+using namespace tervan::testing;
+
+constexpr std::uint32_t kRates[] = {1, 700, 8000, 44100, 96000, 768000};
+
+// {in dB, out dB, threshold dB, amount, attack ms, release ms, auto gain, smooth, reserved, bypass}
+constexpr CompressorSettings kHeavy{3, 2, -30, 4, 5, 60, 1, 0, 0, 0};
+constexpr CompressorSettings kHeavySmooth{3, 2, -30, 4, 5, 60, 1, 1, 0, 0};
+
+std::vector<CompressorSettings> ManySettings() {
+  std::vector<CompressorSettings> all;
+  for (const auto& preset : compressor::kPresets) all.push_back(preset.settings);
+  RandomSettings random(1);
+  while (all.size() < 300) all.push_back(random.Next());
+  return all;
+}
+
+std::string Text(const CompressorSettings& s) {
+  const double values[] = {s.input_gain_db, s.output_gain_db, s.threshold_db,
+                           s.amount,        s.attack_time_ms, s.release_time_ms};
+  std::string text;
+  for (const double value : values) text += std::to_string(value) + " ";
+  for (const std::int32_t value : {s.auto_gain_compensation, s.smooth_saturation, s.bypass})
+    text += std::to_string(value);
+  return text;
+}
+
+// Compares bits: a NaN equals itself, 0 does not equal -0.
+template <typename Sample>
+::testing::AssertionResult SameBits(const std::vector<Sample>& a, const std::vector<Sample>& b) {
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (std::memcmp(&a[i], &b[i], sizeof(Sample)) != 0) {
+      return ::testing::AssertionFailure() << "sample " << i << ": " << +a[i] << " and " << +b[i];
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
+
+template <typename Sample>
+std::vector<Sample> Square(double level, std::size_t frames) {
+  std::vector<double> signal(frames);
+  for (std::size_t i = 0; i < frames; ++i) signal[i] = i / 50 % 2 == 0 ? level : -level;
+  return SamplesOf<Sample>(signal);
+}
+
+double Db(double db) { return std::pow(10.0, db / 20.0); }
+
+// The gain that a steady mono square wave settles to.
+double SettledGain(const CompressorSettings& settings, double level) {
+  return std::fabs(Compressed(settings, Square<double>(level, 200000), 1).back()) / level;
+}
+
+template <typename Sample>
+struct CompressorFormat : ::testing::Test {};
+using Formats = ::testing::Types<std::uint8_t, std::int16_t, std::int32_t, float, double>;
+TYPED_TEST_SUITE(CompressorFormat, Formats);
+
+// Chunks through engine and model, with meters; new settings go in on the way, keeping the state or resetting it.
+template <typename Sample>
+void ExpectEqualsModel(const CompressorSettings& first, const CompressorSettings& second, std::size_t channels,
+                       std::uint32_t rate_hz, std::uint32_t seed) {
+  FakeOwner owner;
+  owner.settings = first;
+  owner.watched = true;
+  CompressorEngine engine(owner);
+  engine.Start(FormatOf(channels, rate_hz));
+  CompressorModel model(rate_hz, channels);
+  model.Load(first, false);
+
+  std::vector<Sample> actual = SamplesOf<Sample>(Programme(2000, channels, 300, seed));
+  std::vector<Sample> expected = actual;
+  std::vector<CompressorMeters> meters;
+  std::size_t at = 0;
+  for (std::size_t block = 0; block < std::size(kBlockFrames); ++block) {
+    if (block == 3 || block == 5) {
+      const CompressorSettings& settings = block == 3 ? second : first;
+      engine.LoadParameters(settings, block == 3 ? ProcessMode::kContinuous : ProcessMode::kDiscontinuity);
+      model.Load(settings, block == 3);
+    }
+    std::uint32_t frames = kBlockFrames[block];
+    ASSERT_LE(at + frames * channels, actual.size());
+    EXPECT_EQ(Process(engine, ProcessMode::kContinuous, &actual[at], &frames), S_OK);
+    EXPECT_EQ(frames, kBlockFrames[block]);
+    meters.push_back(model.Process(&expected[at], frames));
+    at += frames * channels;
+  }
+  EXPECT_TRUE(SameBits(actual, expected));
+  ASSERT_EQ(owner.published.size(), meters.size());
+  for (std::size_t i = 0; i < meters.size(); ++i) {
+    SCOPED_TRACE("record " + std::to_string(i));
+    EXPECT_EQ(owner.published[i].input_left, meters[i].input_left);
+    EXPECT_EQ(owner.published[i].input_right, meters[i].input_right);
+    EXPECT_EQ(owner.published[i].output_left, meters[i].output_left);
+    EXPECT_EQ(owner.published[i].output_right, meters[i].output_right);
+    EXPECT_EQ(owner.published[i].reduction, meters[i].reduction);
+  }
+}
+
+TYPED_TEST(CompressorFormat, SamplesAndMetersEqualTheModelInEveryBit) {
+  const std::vector<CompressorSettings> all = ManySettings();
+  for (std::uint32_t i = 0; i < all.size(); ++i) {
+    const std::uint32_t rate_hz = kRates[i % std::size(kRates)];
+    const std::size_t channels = i / std::size(kRates) % 2 + 1;
+    SCOPED_TRACE(Text(all[i]) + " at " + std::to_string(rate_hz) + ", channels: " + std::to_string(channels));
+    ExpectEqualsModel<TypeParam>(all[i], all[(i + 1) % all.size()], channels, rate_hz, i);
+    if (::testing::Test::HasFailure()) return;
+  }
+}
+
+TYPED_TEST(CompressorFormat, BlockLengthDoesNotMatter) {
+  for (const std::size_t channels : {1, 2}) {
+    for (const bool watched : {false, true}) {
+      for (const CompressorSettings& settings : {kHeavy, kHeavySmooth}) {
+        const auto input = SamplesOf<TypeParam>(Programme(5000, channels, 700, 0));
+        FakeOwner owner;
+        owner.settings = settings;
+        owner.watched = watched;
+        CompressorEngine engine(owner);
+        engine.Start(FormatOf(channels, 44100));
+        std::vector<TypeParam> whole = input;
+        const std::uint32_t all_frames[] = {5000};
+        RunAll(engine, whole, channels, all_frames);
+        EXPECT_TRUE(SameBits(Compressed(settings, input, channels, 44100, watched), whole));
+      }
+    }
+  }
+}
+
+TYPED_TEST(CompressorFormat, DrainTouchesNeitherBufferNorState) {
+  const auto input = SamplesOf<TypeParam>(Programme(2000, 2, 700, 0));
+  FakeOwner owner;
+  owner.settings = kHeavy;
+  CompressorEngine engine(owner);
+  engine.Start(FormatOf(2, 44100));
+  std::vector<TypeParam> head(input.begin(), input.begin() + 2000);
+  std::vector<TypeParam> tail(input.begin() + 2000, input.end());
+  RunAll(engine, head, 2);
+  owner.published.clear();
+  owner.changed = true;
+  std::vector<TypeParam> buffer = input;
+  std::uint32_t frames = 2000;
+  EXPECT_EQ(Process(engine, ProcessMode::kDrain, buffer.data(), &frames), S_FALSE);
+  EXPECT_EQ(frames, 0u);
+  EXPECT_TRUE(SameBits(buffer, input));
+  EXPECT_TRUE(owner.published.empty());
+  EXPECT_TRUE(owner.changed);
+  owner.changed = false;
+  RunAll(engine, tail, 2);
+  head.insert(head.end(), tail.begin(), tail.end());
+  EXPECT_TRUE(SameBits(head, Compressed(kHeavy, input, 2)));
+}
+
+TYPED_TEST(CompressorFormat, IntegersSaturateInsteadOfWrapping) {
+  if constexpr (std::is_integral_v<TypeParam>) {
+    CompressorSettings loud = kHeavy;
+    loud.output_gain_db = 25;
+    const auto input = SamplesOf<TypeParam>(Programme(5000, 2, 700, 4));
+    const auto output = Compressed(loud, input, 2);
+    for (std::size_t i = 0; i < input.size(); ++i) {
+      ASSERT_GE(ToReal(input[i]) * ToReal(output[i]), 0.0) << "sign changed at " << i;
+    }
+    EXPECT_EQ(*std::max_element(output.begin(), output.end()), std::numeric_limits<TypeParam>::max());
+    EXPECT_EQ(*std::min_element(output.begin(), output.end()), std::numeric_limits<TypeParam>::min());
+  }
+}
+
+// All but 32-bit floats look for changes themselves; for those the processing loop does.
+TYPED_TEST(CompressorFormat, TakesWaitingSettingsAndResetsOnADiscontinuity) {
+  constexpr bool kLooksItself = !std::is_same_v<TypeParam, float>;
+  for (const ProcessMode mode : {ProcessMode::kContinuous, ProcessMode::kDiscontinuity}) {
+    FakeOwner owner;
+    CompressorEngine engine(owner);
+    engine.Start(FormatOf(2, 44100));
+    CompressorModel model(44100, 2, !kLooksItself);
+    model.Load(owner.settings, false);
+    owner.settings = kHeavySmooth;
+    owner.changed = true;
+    if (kLooksItself) model.Load(kHeavySmooth, mode == ProcessMode::kContinuous);
+    auto actual = SamplesOf<TypeParam>(Programme(2000, 2, 700, 0));
+    auto expected = actual;
+    std::uint32_t frames = 2000;
+    Process(engine, mode, actual.data(), &frames);
+    model.Process(expected.data(), frames);
+    EXPECT_EQ(owner.changed, !kLooksItself);
+    EXPECT_TRUE(SameBits(actual, expected));
+  }
+}
+
+TEST(CompressorEngine, UnwatchedStereoFloatFollowsTheSinglePrecisionModelAndStaysByTheDoubleOne) {
+  for (const CompressorSettings& settings : ManySettings()) {
+    SCOPED_TRACE(Text(settings));
+    const std::vector<float> input = SamplesOf<float>(Programme(4000, 2, 700, 0));
+    std::vector<float> single = input;
+    std::vector<float> precise = input;
+    CompressorModel single_model(44100, 2, true);
+    CompressorModel precise_model(44100, 2, false);
+    single_model.Load(settings, false);
+    precise_model.Load(settings, false);
+    single_model.Process(single.data(), 4000);
+    precise_model.Process(precise.data(), 4000);
+    const std::vector<float> output = Compressed(settings, input, 2);
+    ASSERT_TRUE(SameBits(output, single));
+    for (std::size_t i = 0; i < output.size(); ++i) {
+      ASSERT_NEAR(output[i], precise[i], 1e-4f * std::fabs(precise[i])) << i;
+    }
+  }
+}
+
+TEST(CompressorEngine, UnwatchedMonoFloatKeepsDoublePrecisionAndPublishesNothing) {
+  FakeOwner owner;
+  owner.settings = kHeavy;
+  CompressorEngine engine(owner);
+  engine.Start(FormatOf(1, 44100));
+  std::vector<float> actual = SamplesOf<float>(Programme(4000, 1, 700, 0));
+  std::vector<float> expected = actual;
+  RunAll(engine, actual, 1);
+  CompressorModel model(44100, 1);
+  model.Load(kHeavy, false);
+  model.Process(expected.data(), 4000);
+  EXPECT_TRUE(SameBits(actual, expected));
+  EXPECT_TRUE(owner.published.empty());
+}
+
+TEST(CompressorEngine, AtUnityFloatsStayAsTheyAreAndThePageSeesTheirLevels) {
+  const std::vector<float> input = {0.25f, -0.5f, -0.0f, 1e-40f, std::numeric_limits<float>::quiet_NaN(), 0.125f};
+  const CompressorSettings unity = compressor::kPresets[0].settings;
+  for (const bool watched : {false, true}) EXPECT_TRUE(SameBits(Compressed(unity, input, 2, 44100, watched), input));
+
+  FakeOwner owner;
+  owner.watched = true;
+  CompressorEngine engine(owner);
+  engine.Start(FormatOf(2, 44100));
+  std::vector<float> data = input;
+  std::uint32_t frames = 3;
+  engine.ProcessFloat32(ProcessMode::kContinuous, data.data(), &frames, false);
+  ASSERT_EQ(owner.published.size(), 1u);
+  const CompressorMeters& meters = owner.published[0];
+  EXPECT_EQ(meters.input_left, 0.25);
+  EXPECT_EQ(meters.input_right, 0.5);
+  EXPECT_EQ(meters.output_left, 0.25);
+  EXPECT_EQ(meters.output_right, 0.5);
+  EXPECT_EQ(meters.reduction, 1.0);
+}
+
+TEST(CompressorEngine, UnitySettingsLeave16BitSamplesExactlyAsTheyAreOnceTheGainHasSettled) {
+  const auto input = SamplesOf<std::int16_t>(Programme(200000, 2, 20000, 0));
+  const auto output = Compressed(compressor::kPresets[0].settings, input, 2);
+  const auto settled = 2 * 100000;
+  EXPECT_TRUE(std::equal(input.begin() + settled, input.end(), output.begin() + settled));
+}
+
+TEST(CompressorEngine, OutputLevelRunsStraightFromTheThresholdToTheFullScaleOutputOfTheRatio) {
+  for (const double threshold_db : {-60.0, -40.0, -20.0, -6.0, -3.0}) {
+    for (const double amount : {1.5, 4.0, 25.0, 50.0}) {
+      const auto settings =
+          CompressorSettings{0, 0, static_cast<float>(threshold_db), static_cast<float>(amount), 5, 20, 0, 0, 0, 0};
+      const double thr = Db(threshold_db);
+      const double full = amount == 50.0 ? thr : Db(threshold_db * (1.0 - 1.0 / amount));
+      for (const double part : {-0.5, 0.001, 0.3, 0.7, 1.0}) {
+        SCOPED_TRACE(Text(settings) + " at " + std::to_string(part));
+        const double level = part < 0.0 ? thr * 0.5 : thr + part * (1.0 - thr);
+        const double expected = part < 0.0 ? level : thr + part * (full - thr);
+        EXPECT_NEAR(SettledGain(settings, level) * level, expected, 1e-9);
+      }
+    }
+  }
+}
+
+TEST(CompressorEngine, SteadySquareWavesSettleAtTheGainsThatTheirSettingsPromise) {
+  const struct {
+    const char* what;
+    CompressorSettings settings;
+    double level_db;
+    double gain_db;
+  } kRows[] = {
+      {"make-up 0.7 x 0.75 x 20 over 15 dB of compression", {0, 0, -20, 4, 15, 250, 1, 0, 0, 0}, 0, 10.5 - 15},
+      {"hard limiter", {0, 0, -6, 50, 0, 250, 0, 0, 0, 0}, 0, -6},
+      {"hard limiter with make-up", {0, 0, -6, 50, 0, 250, 1, 0, 0, 0}, 0, -6 + 0.7 * 6},
+      {"hard limiter, half way", {0, 0, -12, 50, 0, 250, 0, 0, 0, 0}, -6, -6},
+      {"output gain behind the limiter", {0, 4, -6, 50, 0, 250, 0, 0, 0, 0}, 0, -2},
+      {"input gain into the limiter", {10, 0, -6, 50, 0, 250, 0, 0, 0, 0}, -10, -6 + 10},
+      {"input gain below the threshold", {10, 0, -6, 50, 0, 250, 0, 0, 0, 0}, -20, 10},
+      {"a threshold above -3 dB: below it", {0, 0, -1, 8, 15, 250, 0, 0, 0, 0}, -1.01, 0},
+      {"a threshold above -3 dB: limiting at it", {0, 0, -1, 50, 15, 250, 0, 0, 0, 0}, 0, -1},
+      {"the low-pass passes a steady gain", {0, 0, -6, 50, 0, 250, 0, 1, 0, 0}, 0, -6},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.what);
+    const double gain = SettledGain(row.settings, Db(row.level_db));
+    EXPECT_NEAR(20.0 * std::log10(gain), row.gain_db, 1e-6);
+  }
+}
+
+// A release of no time lets the gain follow its target: while silence lets the held level decay, the probe shows the
+// target.
+TEST(CompressorEngine, HeldLevelDecaysByAThousandthPerFrameDownToTheThreshold) {
+  const CompressorSettings settings{0, 0, -20, 4, 5, 0, 0, 0, 0, 0};
+  constexpr std::size_t kLoud = 30000;
+  constexpr double kProbe = 1e-6;
+  std::vector<double> data(kLoud, 1.0);
+  data.resize(kLoud + 3000, kProbe);
+  const std::vector<double> output = Compressed(settings, data, 1);
+  const double thr = Db(-20);
+  const double slope = (1.0 - Db(-15)) / (1.0 - thr);
+  double level = 1.0;
+  for (std::size_t i = kLoud; i < data.size(); ++i) {
+    const double next =
+        level * 0.999;  // the hold after a peak is one step down; the gain still belongs to the level before
+    const double expected = next > thr ? slope * thr / next + 1.0 - slope : 1.0;
+    ASSERT_NEAR(output[i] / kProbe, expected, 1e-6) << i - kLoud;
+    if (next > thr) level = next;
+  }
+}
+
+TEST(CompressorEngine, SteadySineAboveTheThresholdSettlesToANearlyConstantGain) {
+  for (const double hz : {50.0, 200.0, 1000.0, 5000.0}) {
+    SCOPED_TRACE(hz);
+    std::vector<double> data(88200);
+    for (std::size_t i = 0; i < data.size(); ++i)
+      data[i] = std::sin(2.0 * std::numbers::pi * hz * static_cast<double>(i) / 44100.0);
+    const std::vector<double> output = Compressed({0, 0, -20, 4, 15, 250, 0, 0, 0, 0}, data, 1);
+    double least = 1e9;
+    double most = 0.0;
+    for (std::size_t i = 44100; i < data.size(); ++i) {
+      if (std::fabs(data[i]) < 0.1) continue;
+      least = std::min(least, output[i] / data[i]);
+      most = std::max(most, output[i] / data[i]);
+    }
+    EXPECT_LT(most / least, Db(0.5));
+    EXPECT_NEAR(20.0 * std::log10(least), -15.0, 0.5);
+  }
+}
+
+TEST(CompressorEngine, LoudChannelSetsTheGainOfBoth) {
+  std::vector<double> data;
+  for (int i = 0; i < 20000; ++i) data.insert(data.end(), {0.001, 1.0});
+  const std::vector<double> output = Compressed({0, 0, -6, 50, 0, 250, 0, 0, 0, 0}, data, 2);
+  EXPECT_NEAR(output[output.size() - 2], 0.001 * Db(-6), 1e-12);
+  EXPECT_NEAR(output.back(), Db(-6), 1e-9);
+}
+
+TEST(CompressorEngine, SilentInputGainFadesToSilenceWithTheAttack) {
+  const CompressorSettings settings{-60, 0, -20, 4, 10, 250, 0, 0, 0, 0};
+  const std::vector<double> output = Compressed(settings, std::vector<double>(4410, 0.5), 1);
+  EXPECT_NEAR(output[440], 0.5 * 0.1, 0.5 * 0.001);    // 90 % in 10 ms
+  EXPECT_NEAR(output[881], 0.5 * 0.01, 0.5 * 0.0001);  // and of what is left in the next
+  EXPECT_LT(output.back(), 1e-9);
+}
+
+TEST(CompressorEngine, MetersDivideGainsOutAndKnowMonoBypassAndSilence) {
+  const struct {
+    const char* what;
+    CompressorSettings settings;
+    std::size_t channels;
+    CompressorMeters expected;
+  } kRows[] = {
+      {"limiter", {0, 0, -6, 50, 0, 250, 0, 0, 0, 0}, 2, {1, 0.5, Db(-6), 0.5 * Db(-6), Db(-6)}},
+      {"make-up and gains",
+       {2, 3, -6, 50, 0, 250, 1, 0, 0, 0},
+       2,
+       {Db(2), 0.5 * Db(2), Db(-6 + 4.2 + 3), 0.5 * Db(-6 + 4.2 + 3), Db(-8)}},
+      {"threshold above -3 dB", {0, 0, -1, 50, 0, 250, 0, 0, 0, 0}, 2, {1, 0.5, Db(-1), 0.5 * Db(-1), Db(-1)}},
+      {"mono", {0, 0, -6, 50, 0, 250, 0, 0, 0, 0}, 1, {1, 1, Db(-6), Db(-6), Db(-6)}},
+      {"bypass", {6, 6, -6, 50, 0, 250, 1, 0, 0, 1}, 2, {Db(6), 0.5 * Db(6), 1, 0.5, 1}},
+      {"no output", {0, -60, -6, 50, 0, 250, 0, 0, 0, 0}, 2, {1, 0.5, 0, 0, 1}},
+      {"no input", {-60, 0, -6, 50, 0, 250, 0, 0, 0, 0}, 2, {0, 0, 0, 0, 1}},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.what);
+    FakeOwner owner;
+    owner.settings = row.settings;
+    CompressorEngine engine(owner);
+    engine.Start(FormatOf(row.channels, 44100));
+    std::vector<double> data(40000 * row.channels);
+    for (std::size_t i = 0; i < data.size(); ++i) data[i] = i % row.channels == 0 ? 1.0 : -0.5;
+    RunAll(engine, data, row.channels);
+    const CompressorMeters& meters = owner.published.back();
+    EXPECT_NEAR(meters.input_left, row.expected.input_left, 1e-6);
+    EXPECT_NEAR(meters.input_right, row.expected.input_right, 1e-6);
+    EXPECT_NEAR(meters.output_left, row.expected.output_left, 1e-6);
+    EXPECT_NEAR(meters.output_right, row.expected.output_right, 1e-6);
+    EXPECT_NEAR(meters.reduction, row.expected.reduction, 1e-6);
+  }
+}
+
+TEST(CompressorEngine, PageThatComesAndGoesDoesNotMoveTheGain) {
+  const std::vector<float> input = SamplesOf<float>(Programme(40000, 2, 3000, 0));
+  for (const CompressorSettings& settings : {kHeavy, kHeavySmooth}) {
+    FakeOwner owner;
+    owner.settings = settings;
+    CompressorEngine engine(owner);
+    engine.Start(FormatOf(2, 44100));
+    std::vector<float> data = input;
+    for (std::size_t at = 0; at < data.size(); at += 1000) {
+      owner.watched = !owner.watched;
+      std::uint32_t frames = 500;
+      engine.ProcessFloat32(ProcessMode::kContinuous, &data[at], &frames, false);
+    }
+    const std::vector<float> undisturbed = Compressed(settings, input, 2);
+    for (std::size_t i = 0; i < data.size(); ++i)
+      ASSERT_NEAR(data[i], undisturbed[i], 1e-4f * std::fabs(undisturbed[i])) << i;
+  }
+}
+
+TEST(CompressorEngine, StopFlagEndsTheStreamAndAsksForNewSettings) {
+  FakeOwner owner;
+  CompressorEngine engine(owner);
+  engine.Start(FormatOf(2, 44100));
+  const std::vector<float> input = SamplesOf<float>(Programme(500, 2, 700, 0));
+  std::vector<float> data = input;
+  std::uint32_t frames = 500;
+  EXPECT_EQ(engine.ProcessFloat32(ProcessMode::kDrain, data.data(), &frames, true), S_FALSE);
+  EXPECT_TRUE(engine.loaded());
+  EXPECT_TRUE(owner.published.empty());
+
+  frames = 500;
+  EXPECT_EQ(engine.ProcessFloat32(ProcessMode::kContinuous, data.data(), &frames, true), S_FALSE);
+  EXPECT_EQ(frames, 0u);
+  EXPECT_FALSE(engine.loaded());
+  EXPECT_TRUE(SameBits(data, input));
+  ASSERT_EQ(owner.published.size(), 1u);
+  EXPECT_EQ(std::memcmp(&owner.published[0], &kIdleMeters, sizeof kIdleMeters), 0);
+
+  owner.settings = kHeavy;  // not flagged as a change
+  frames = 500;
+  EXPECT_EQ(engine.ProcessFloat32(ProcessMode::kDiscontinuity, data.data(), &frames, false), S_OK);
+  EXPECT_EQ(frames, 500u);
+  EXPECT_TRUE(engine.loaded());
+  EXPECT_TRUE(SameBits(data, Compressed(kHeavy, input, 2)));
+}
+
+template <typename Sample>
+struct CompressorFloats : ::testing::Test {};
+using Floats = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(CompressorFloats, Floats);
+
+TYPED_TEST(CompressorFloats, SamplesThatAreNotFiniteLeaveNoTrace) {
+  using Limits = std::numeric_limits<TypeParam>;
+  const auto input = SamplesOf<TypeParam>(Programme(60000, 2, 3000, 2));
+  for (const TypeParam bad : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), Limits::max()}) {
+    for (const bool watched : {false, true}) {
+      for (const CompressorSettings& settings : {kHeavy, kHeavySmooth}) {
+        SCOPED_TRACE(std::to_string(bad) + (watched ? " watched" : ""));
+        const auto undisturbed = Compressed(settings, input, 2, 44100, watched);
+        auto disturbed = input;
+        for (const std::size_t i : {0u, 1u, 7000u, 7001u, 7003u, 9998u}) disturbed[i] = bad;
+        const auto output = Compressed(settings, disturbed, 2, 44100, watched);
+        for (std::size_t i = 0; i < output.size(); ++i) {
+          ASSERT_TRUE(std::isfinite(output[i]) || disturbed[i] == bad || std::isnan(disturbed[i])) << i;
+        }
+        // Ten releases of 60 ms later.
+        for (std::size_t i = 10000 + 2 * 26460; i < output.size(); ++i) {
+          ASSERT_NEAR(output[i], undisturbed[i], 1e-6 * std::fabs(undisturbed[i])) << i;
+        }
+      }
+    }
+  }
+}
+
+TYPED_TEST(CompressorFloats, ResetForgetsWhateverCameBefore) {
+  const auto input = SamplesOf<TypeParam>(Programme(3000, 2, 700, 0));
+  FakeOwner owner;
+  owner.settings = kHeavySmooth;
+  CompressorEngine engine(owner);
+  engine.Start(FormatOf(2, 44100));
+  std::vector<TypeParam> loud(4000, TypeParam{1e30});
+  RunAll(engine, loud, 2);
+  engine.LoadParameters(kHeavySmooth, ProcessMode::kDiscontinuity);
+  auto output = input;
+  RunAll(engine, output, 2);
+  EXPECT_TRUE(SameBits(output, Compressed(kHeavySmooth, input, 2)));
+}
+
+// Whatever bytes a stored record holds: no setter would let them in, but a load does.
+TYPED_TEST(CompressorFloats, AbsurdRecordsGiveFiniteOutput) {
+  constexpr std::uint32_t kWords[] = {0xFFFFFFFF, 0x7F800000, 0xFF800000, 0x7F7F7F7F, 0xFF7FFFFF, 0x7E967699,
+                                      0xFE967699, 0x00000001, 0x80000000, 0x43480000, 0xC3480000};
+  const auto input = SamplesOf<TypeParam>(Programme(600, 2, 100, 0));
+  std::mt19937 random(7);
+  for (int i = 0; i < 3000; ++i) {
+    std::uint32_t words[10];
+    for (std::uint32_t& word : words) word = random() % 4 == 0 ? random() : kWords[random() % std::size(kWords)];
+    if (i < static_cast<int>(std::size(kWords))) std::fill(std::begin(words), std::end(words), kWords[i]);
+    words[9] = 0;  // no bypass
+    CompressorSettings settings{};
+    std::memcpy(&settings, words, sizeof settings);
+    constexpr std::uint32_t kAnyRate[] = {0, 1, 44100, 768000, 0xFFFFFFFF};
+    const std::uint32_t rate_hz = kAnyRate[i % std::size(kAnyRate)];
+    SCOPED_TRACE(Text(settings) + " at " + std::to_string(rate_hz));
+    FakeOwner owner;
+    owner.settings = settings;
+    owner.watched = i % 2 == 0;
+    CompressorEngine engine(owner);
+    engine.Start(FormatOf(2, rate_hz));
+    auto output = input;
+    RunAll(engine, output, 2);
+    for (const TypeParam sample : output) ASSERT_TRUE(std::isfinite(sample));
+    for (const CompressorMeters& meters : owner.published) {
+      for (const double value :
+           {meters.input_left, meters.input_right, meters.output_left, meters.output_right, meters.reduction}) {
+        ASSERT_TRUE(std::isfinite(value));
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tervan

@@ -1,0 +1,114 @@
+// What the compressor's tests share: an owner for the engine that keeps what it is told, settings, and runs over whole
+// signals.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <random>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "effects/compressor/compressor_engine.h"
+
+namespace tervan::testing {
+
+struct FakeOwner : CompressorEngineOwner {
+  bool SnapshotSettings(CompressorSettings* out) override {
+    *out = settings;
+    return std::exchange(changed, false);
+  }
+  void PublishMeters(const CompressorMeters& meters) override { published.push_back(meters); }
+  bool IsWatched() const override { return watched; }
+
+  CompressorSettings settings{0, 0, 0, 1, 15, 250, 1, 0, 0, 0};
+  bool changed = false;
+  bool watched = false;
+  std::vector<CompressorMeters> published;
+};
+
+inline StreamFormat FormatOf(std::size_t channels, std::uint32_t rate_hz) {
+  StreamFormat format{};
+  format.nChannels = static_cast<std::uint16_t>(channels);
+  format.nSamplesPerSec = rate_hz;
+  return format;
+}
+
+inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, std::uint8_t* data, std::uint32_t* frames) {
+  return engine.ProcessPcm8(mode, data, frames);
+}
+inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, std::int16_t* data, std::uint32_t* frames) {
+  return engine.ProcessPcm16(mode, data, frames);
+}
+inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, std::int32_t* data, std::uint32_t* frames) {
+  return engine.ProcessPcm32(mode, data, frames);
+}
+inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, float* data, std::uint32_t* frames) {
+  return engine.ProcessFloat32(mode, data, frames, false);
+}
+inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, double* data, std::uint32_t* frames) {
+  return engine.ProcessFloat64(mode, data, frames);
+}
+
+// Blocks of odd and even lengths, one frame among them.
+inline constexpr std::uint32_t kBlockFrames[] = {1, 64, 7, 512, 333, 2, 1000};
+
+// Processes all of it in place, in blocks of the given lengths over and over.
+template <typename Sample>
+void RunAll(CompressorEngine& engine, std::vector<Sample>& data, std::size_t channels,
+            std::span<const std::uint32_t> blocks = kBlockFrames) {
+  std::size_t block = 0;
+  for (std::size_t at = 0; at < data.size(); ++block) {
+    const std::size_t left = (data.size() - at) / channels;
+    auto frames = static_cast<std::uint32_t>(std::min<std::size_t>(left, blocks[block % blocks.size()]));
+    Process(engine, ProcessMode::kContinuous, data.data() + at, &frames);
+    at += frames * channels;
+  }
+}
+
+// The engine with one set of settings over a whole signal.
+template <typename Sample>
+std::vector<Sample> Compressed(const CompressorSettings& settings, std::vector<Sample> data, std::size_t channels,
+                               std::uint32_t rate_hz = 44100, bool watched = false) {
+  FakeOwner owner;
+  owner.settings = settings;
+  owner.watched = watched;
+  CompressorEngine engine(owner);
+  engine.Start(FormatOf(channels, rate_hz));
+  RunAll(engine, data, channels);
+  return data;
+}
+
+// Settings as records may hold them: mostly in range, often on a boundary, sometimes far outside.
+class RandomSettings {
+ public:
+  explicit RandomSettings(std::uint32_t seed) : random_(seed) {}
+
+  CompressorSettings Next() {
+    const float above_silence = std::nextafter(-60.0f, 0.0f);
+    return {
+        .input_gain_db = Pick({-60.0f, -61.0f, above_silence, 0.0f, 25.0f}, -70.0f, 40.0f),
+        .output_gain_db = Pick({-60.0f, -61.0f, above_silence, 0.0f, 25.0f}, -70.0f, 40.0f),
+        .threshold_db = Pick({-60.0f, -80.0f, above_silence, -3.0f, std::nextafter(-3.0f, 0.0f), 0.0f}, -70.0f, 20.0f),
+        .amount = Pick({1.0f, std::nextafter(1.0f, 2.0f), std::nextafter(50.0f, 0.0f), 50.0f, 80.0f}, 1.0f, 20.0f),
+        .attack_time_ms = Pick({0.0f, 0.01f, 1.0f, 500.0f, -1.0f, 9000.0f}, 0.0f, 60.0f),
+        .release_time_ms = Pick({0.0f, 0.01f, 5000.0f, -1.0f, 90000.0f}, 0.0f, 300.0f),
+        .auto_gain_compensation = Chance(2),
+        .smooth_saturation = Chance(2),
+        .reserved = 0,
+        .bypass = Chance(12)};
+  }
+
+ private:
+  std::int32_t Chance(std::uint32_t one_in) { return random_() % one_in == 0 ? 1 : 0; }
+  float Pick(std::initializer_list<float> boundaries, float low, float high) {
+    if (Chance(3)) return boundaries.begin()[random_() % boundaries.size()];
+    return low + (high - low) * static_cast<float>(static_cast<double>(random_()) * 0x1p-32);
+  }
+  std::mt19937 random_;
+};
+
+}  // namespace tervan::testing
