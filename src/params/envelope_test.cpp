@@ -96,8 +96,8 @@ TEST(Envelope, RampBecomesAStaircaseOf20Milliseconds) {
 
 TEST(Envelope, ChunkEndsWhereTheNearestSegmentEnds) {
   Automation automation;
-  automation.Add({{0, 20833, 1, 1, kCurveJump, 0}}, 1);   // 100 frames
-  automation.Add({{0, 10417, 2, 2, kCurveJump, 0}}, 2);   // 50 frames
+  automation.Add({{0, 20833, 1, 1, kCurveJump, 0}}, 1);  // 100 frames
+  automation.Add({{0, 10417, 2, 2, kCurveJump, 0}}, 2);  // 50 frames
   EXPECT_EQ(automation.Next(4096), 50u);
   EXPECT_EQ(automation.flags, 6u);
   EXPECT_EQ(automation.Clock(), 10417);
@@ -135,8 +135,10 @@ TEST(Envelope, ConstantSegmentsReportOncePerEntryAndMovingOnesAlways) {
     SegmentData segment;
     bool again;
   };
-  for (const Case& c : {Case{{0, kSecond, -10, 0, kCurveJump, 0}, false}, {{0, kSecond, 5, 5, kCurveLinear, 0}, false},
-                        {{0, kSecond, 5, 5, kCurveSquare, 0}, false}, {{0, kSecond, 5, 6, kCurveSquare, 0}, true},
+  for (const Case& c : {Case{{0, kSecond, -10, 0, kCurveJump, 0}, false},
+                        {{0, kSecond, 5, 5, kCurveLinear, 0}, false},
+                        {{0, kSecond, 5, 5, kCurveSquare, 0}, false},
+                        {{0, kSecond, 5, 6, kCurveSquare, 0}, true},
                         {{0, kSecond, 5, 6, kCurveInverseSquare, 0}, true}}) {
     SCOPED_TRACE(c.segment.iCurve);
     Automation automation;
@@ -259,12 +261,15 @@ TEST(Envelope, PageEditSuspendsAutomationUntilItEnds) {
 
 TEST(Envelope, ExtremeTimesAndRatesNeitherOverflowNorHang) {
   for (const std::uint32_t rate_hz : {0u, 1u, 44100u, 0xFFFFFFFFu}) {
-    for (const std::int64_t clock : {kEarliest, kEarliest + 1, std::int64_t{-1}, std::int64_t{0}, kLatest - 1, kLatest}) {
+    for (const std::int64_t clock :
+         {kEarliest, kEarliest + 1, std::int64_t{-1}, std::int64_t{0}, kLatest - 1, kLatest}) {
       SCOPED_TRACE(::testing::Message() << rate_hz << " Hz at " << clock);
       Automation automation(rate_hz);
       automation.Add({{kEarliest, kLatest, 0, 1, kCurveLinear, 0}});
-      automation.Add({{kEarliest, kEarliest + 1, 0, 1, kCurveSquare, 0}, {kLatest - 1, kLatest, 0, 1, kCurveSquare, 0}}, 1);
-      automation.Add({{5, 5, 0, 1, 2, 0}, {9, -9, 0, 1, 4, 0}, {kLatest, kEarliest, 0, 1, 8, 0}, {0, 1, 0, 1, 2, 0}}, 2);
+      automation.Add({{kEarliest, kEarliest + 1, 0, 1, kCurveSquare, 0}, {kLatest - 1, kLatest, 0, 1, kCurveSquare, 0}},
+                     1);
+      automation.Add({{5, 5, 0, 1, 2, 0}, {9, -9, 0, 1, 4, 0}, {kLatest, kEarliest, 0, 1, 8, 0}, {0, 1, 0, 1, 2, 0}},
+                     2);
       automation.JumpTo(clock);
       std::uint32_t left = 100;
       for (int chunk = 0; left != 0 && chunk < 200; ++chunk) left -= std::min(automation.Next(left), left);
@@ -423,7 +428,12 @@ void CompareWithPlainAutomation(std::uint32_t seed, bool in_order) {
           const std::int64_t length = (1 + below(30)) * kMs;
           if (!in_order) from = time();
           const std::int64_t to = in_order ? from + length : time();
-          segment = {from, to, static_cast<float>(below(5)), static_cast<float>(below(5)), std::array{1u, 2u, 4u, 8u, 16u}[below(5)], 0};
+          segment = {from,
+                     to,
+                     static_cast<float>(below(5)),
+                     static_cast<float>(below(5)),
+                     std::array{1u, 2u, 4u, 8u, 16u}[below(5)],
+                     0};
           from = to + below(2) * below(20) * kMs;
         }
         real.Add(given, row);
@@ -437,9 +447,7 @@ void CompareWithPlainAutomation(std::uint32_t seed, bool in_order) {
         break;
       }
       case 3: real.JumpTo(plain.clock = time() - 20 * kMs); break;
-      case 4:
-        EXPECT_EQ(real.manager.BeginEdit(row), !std::exchange(param.captured, true));
-        break;
+      case 4: EXPECT_EQ(real.manager.BeginEdit(row), !std::exchange(param.captured, true)); break;
       case 5:
         EXPECT_EQ(real.manager.EndEdit(row), std::exchange(param.captured, false));
         param.released = true;

@@ -92,9 +92,20 @@ TEST(ParamDescriptor, IntegersRoundHalfAwayFromZero) {
     float value;
     std::int32_t control;
   };
-  for (const Case& c : {Case{threshold, -40, -400}, {gain, -0.04f, 0}, {gain, 0.05f, 1}, {gain, -0.05f, -1}, {gain, 0.049f, 0},
-                        {gain, -25, -250}, {gain, 0, 0}, {hz, 99.5f, 100}, {hz, 99.49f, 99}, {hz, -0.5f, -1},
-                        {hz, 1e30f, INT32_MAX}, {hz, -1e30f, INT32_MIN}, {hz, INFINITY, INT32_MAX}, {hz, NAN, 0}}) {
+  for (const Case& c : {Case{threshold, -40, -400},
+                        {gain, -0.04f, 0},
+                        {gain, 0.05f, 1},
+                        {gain, -0.05f, -1},
+                        {gain, 0.049f, 0},
+                        {gain, -25, -250},
+                        {gain, 0, 0},
+                        {hz, 99.5f, 100},
+                        {hz, 99.49f, 99},
+                        {hz, -0.5f, -1},
+                        {hz, 1e30f, INT32_MAX},
+                        {hz, -1e30f, INT32_MIN},
+                        {hz, INFINITY, INT32_MAX},
+                        {hz, NAN, 0}}) {
     EXPECT_EQ(IntegerOfValue(c.row, c.value), c.control) << c.value;
   }
 }

@@ -17,9 +17,9 @@
 namespace tervan {
 namespace {
 
+using tervan::testing::RecordingRecorder;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using tervan::testing::RecordingRecorder;
 
 constexpr auto kThreshold = static_cast<std::uint32_t>(CompressorParam::kThreshold);
 constexpr auto kAmount = static_cast<std::uint32_t>(CompressorParam::kAmount);
@@ -60,9 +60,16 @@ TEST_F(ParamManagerTest, SetParamTellsChangedFromSameFromRefused) {
     HRESULT result;
     float after;
   };
-  for (const Step& step : {Step{-40, S_FALSE, -40}, {-20, S_OK, -20}, {-20, S_FALSE, -20}, {5, E_INVALIDARG, -20},
-                           {-60.01f, E_INVALIDARG, -20}, {-60, S_OK, -60}, {0, S_OK, 0}, {NAN, E_INVALIDARG, 0},
-                           {INFINITY, E_INVALIDARG, 0}, {-INFINITY, E_INVALIDARG, 0}}) {
+  for (const Step& step : {Step{-40, S_FALSE, -40},
+                           {-20, S_OK, -20},
+                           {-20, S_FALSE, -20},
+                           {5, E_INVALIDARG, -20},
+                           {-60.01f, E_INVALIDARG, -20},
+                           {-60, S_OK, -60},
+                           {0, S_OK, 0},
+                           {NAN, E_INVALIDARG, 0},
+                           {INFINITY, E_INVALIDARG, 0},
+                           {-INFINITY, E_INVALIDARG, 0}}) {
     SCOPED_TRACE(step.value);
     EXPECT_EQ(manager.SetParam(kThreshold, step.value), step.result);
     EXPECT_EQ(Value(kThreshold), step.after);
@@ -129,9 +136,8 @@ TEST_F(ParamManagerTest, ImportReportsAllBeginsThenChangedValuesThenAllEnds) {
   recorder->Take();
   const CompressorSettings record{0, 1.5f, -40, 9, 15, 250, 1, 0, 12345, 1};
   manager.ImportSettings(&record);
-  EXPECT_THAT(recorder->Take(),
-              ElementsAre("B0", "B1", "B2", "B4", "B5", "B6", "B7", "B8", "V1=1.5", "V3=9", "V8=1", "E0", "E1", "E2", "E3",
-                          "E4", "E5", "E6", "E7", "E8"));
+  EXPECT_THAT(recorder->Take(), ElementsAre("B0", "B1", "B2", "B4", "B5", "B6", "B7", "B8", "V1=1.5", "V3=9", "V8=1",
+                                            "E0", "E1", "E2", "E3", "E4", "E5", "E6", "E7", "E8"));
   EXPECT_FALSE(manager.EndEdit(kAmount));
 }
 

@@ -14,10 +14,10 @@
 namespace tervan {
 namespace {
 
-using ::testing::ElementsAre;
 using tervan::testing::FakePoster;
 using tervan::testing::OpenAutomatedControl;
 using tervan::testing::RecordingRecorder;
+using ::testing::ElementsAre;
 
 struct AutomatedControlTest : ::testing::Test {
   AutomatedControlTest() { Settle(compressor); }
@@ -50,8 +50,14 @@ TEST_F(AutomatedControlTest, SettersClampAndMarkOnlyRealChanges) {
     float value, stored;
     const char* flags;
   };
-  for (const Step& step : {Step{3, 80, 50, "cd"}, {3, 99, 50, "--"}, {3, -INFINITY, 1, "cd"}, {3, NAN, 1, "--"}, {2, 3, 0, "cd"},
-                           {2, -61, -60, "cd"}, {5, INFINITY, 5000, "cd"}, {4, 0.25f, 0.25f, "cd"}}) {
+  for (const Step& step : {Step{3, 80, 50, "cd"},
+                           {3, 99, 50, "--"},
+                           {3, -INFINITY, 1, "cd"},
+                           {3, NAN, 1, "--"},
+                           {2, 3, 0, "cd"},
+                           {2, -61, -60, "cd"},
+                           {5, INFINITY, 5000, "cd"},
+                           {4, 0.25f, 0.25f, "cd"}}) {
     SCOPED_TRACE(step.value);
     EXPECT_EQ(compressor.Set(step.index, step.value), S_OK);
     float value = 0;
@@ -60,7 +66,8 @@ TEST_F(AutomatedControlTest, SettersClampAndMarkOnlyRealChanges) {
     EXPECT_EQ(Flags(compressor), step.flags);
   }
   Settle(gate);
-  for (const auto& [control, stored] : {std::pair{-900, -800}, {5, 0}, {-399, -399}, {INT32_MIN, -800}, {INT32_MAX, 0}}) {
+  for (const auto& [control, stored] :
+       {std::pair{-900, -800}, {5, 0}, {-399, -399}, {INT32_MIN, -800}, {INT32_MAX, 0}}) {
     EXPECT_EQ(gate.Set(0, control), S_OK);
     std::int32_t value = 1;
     EXPECT_EQ(gate.Get(0, &value), S_OK);

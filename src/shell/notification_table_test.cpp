@@ -8,10 +8,10 @@
 namespace tervan {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using tervan::testing::FakePoster;
 using tervan::testing::Window;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 using Message = FakePoster::Message;
 
 struct NotificationTableTest : ::testing::Test {

@@ -19,17 +19,20 @@
 namespace tervan {
 namespace {
 
-using ::testing::ElementsAre;
 using tervan::testing::Bytes;
 using tervan::testing::FakePoster;
 using tervan::testing::FakeStream;
 using tervan::testing::RecordingEffect;
 using tervan::testing::Window;
+using ::testing::ElementsAre;
 using Words = std::vector<std::uint32_t>;
 
-const Bytes kCompressorTag{0x9b, 0xf9, 0x00, 0xc4, 0x6e, 0x0c, 0x4c, 0x44, 0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e};
-const Bytes kCompressorOlderTag{0x2b, 0xf2, 0xc9, 0x23, 0xec, 0x40, 0xd2, 0x11, 0x9d, 0x36, 0x00, 0xc0, 0x4f, 0x8e, 0xdc, 0x1e};
-const Bytes kGateOlderTag{0xe0, 0x19, 0x94, 0x86, 0x1f, 0x50, 0xd3, 0x11, 0x8c, 0xdc, 0x00, 0xc0, 0x4f, 0x6b, 0x8e, 0x4c};
+const Bytes kCompressorTag{0x9b, 0xf9, 0x00, 0xc4, 0x6e, 0x0c, 0x4c, 0x44,
+                           0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e};
+const Bytes kCompressorOlderTag{0x2b, 0xf2, 0xc9, 0x23, 0xec, 0x40, 0xd2, 0x11,
+                                0x9d, 0x36, 0x00, 0xc0, 0x4f, 0x8e, 0xdc, 0x1e};
+const Bytes kGateOlderTag{0xe0, 0x19, 0x94, 0x86, 0x1f, 0x50, 0xd3, 0x11,
+                          0x8c, 0xdc, 0x00, 0xc0, 0x4f, 0x6b, 0x8e, 0x4c};
 const Bytes kEqTag{0x0d, 0x9a, 0xb6, 0x8c, 0xe8, 0x10, 0xd2, 0x11, 0x9b, 0x89, 0x00, 0x10, 0x4b, 0x8d, 0x13, 0xc2};
 const Bytes kDitherTag{0xe4, 0xf3, 0x0d, 0x26, 0x77, 0xac, 0xd2, 0x11, 0x9e, 0x93, 0x00, 0xc0, 0x4f, 0x68, 0xbe, 0x44};
 const Bytes kNoTag(16, 0);
@@ -57,12 +60,21 @@ struct Kind {
   std::uint16_t code;
 };
 
-const Kind kCompressor{"compressor", 60, kCompressorTag, 10, compressor::kParams,
-                       {compressor::kForms, 40, LoadNotifies::kAfterBodyRead}, ListOf(compressor::kPresets), 32701};
-const Kind kGate{"gate", 36, kCompressorTag, 4, gate::kParams,
-                 {gate::kForms, 16, LoadNotifies::kAlways}, ListOf(gate::kPresets), 100};
-const Kind kEq{"EQ", 120, kEqTag, 26, eq::kParams, {eq::kForms, 104, LoadNotifies::kAfterBodyRead}, ListOf(eq::kPresets), 100};
-const Kind kDither{"dither", 32, kDitherTag, 3, {}, {dither::kForms, 12, LoadNotifies::kAfterBodyRead}, ListOf(dither::kPresets), 100};
+const Kind kCompressor{"compressor",
+                       60,
+                       kCompressorTag,
+                       10,
+                       compressor::kParams,
+                       {compressor::kForms, 40, LoadNotifies::kAfterBodyRead},
+                       ListOf(compressor::kPresets),
+                       32701};
+const Kind kGate{
+    "gate", 36, kCompressorTag, 4, gate::kParams, {gate::kForms, 16, LoadNotifies::kAlways}, ListOf(gate::kPresets),
+    100};
+const Kind kEq{
+    "EQ", 120, kEqTag, 26, eq::kParams, {eq::kForms, 104, LoadNotifies::kAfterBodyRead}, ListOf(eq::kPresets), 100};
+const Kind kDither{
+    "dither", 32, kDitherTag, 3, {}, {dither::kForms, 12, LoadNotifies::kAfterBodyRead}, ListOf(dither::kPresets), 100};
 const Kind* const kKinds[] = {&kCompressor, &kGate, &kEq, &kDither};
 
 EffectTraits TraitsOf(const Kind& kind) {
@@ -117,7 +129,8 @@ TEST(StoredState, EveryHeaderIsReadOrRefused) {
   for (std::uint32_t i = 0; i < 26; ++i) pattern[i] = 1000 + i;
   for (const Kind* const kind : kKinds) {
     for (const std::uint32_t size : {0u, 12u, 32u, 36u, 44u, 52u, 56u, 60u, 104u, 120u, 124u, 0xFFFFFFFFu}) {
-      for (const Bytes* const tag : {&kCompressorTag, &kCompressorOlderTag, &kGateOlderTag, &kEqTag, &kDitherTag, &kNoTag}) {
+      for (const Bytes* const tag :
+           {&kCompressorTag, &kCompressorOlderTag, &kGateOlderTag, &kEqTag, &kDitherTag, &kNoTag}) {
         SCOPED_TRACE(::testing::Message() << kind->name << ", size " << size << ", tag " << int{tag->front()});
         Rig rig(*kind);
         FakeStream stream(Stored(size, *tag, pattern));
@@ -185,7 +198,10 @@ TEST(StoredState, SavedBytes) {
        {Case{kCompressor, 0, {0, 0, 0, f(1), f(15), f(250), 1, 0, 0, 0}, 60},
         {kCompressor, 8, {0, 0, f(-6), f(50), 0, f(250), 0, 0, 0, 0}, 60},
         {kGate, 0, {3, 100, n(-800), 0}, 36},
-        {kEq, 12, {n(-250), 0, 0, 0, 10, 10, 10, 10, 20, 300, 1000, 5000, 1, 2, 2, 3, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0}, 124},
+        {kEq,
+         12,
+         {n(-250), 0, 0, 0, 10, 10, 10, 10, 20, 300, 1000, 5000, 1, 2, 2, 3, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0},
+         124},
         {kDither, 0, {2, 1, 0}, 32}}) {
     SCOPED_TRACE(c.kind.name);
     Rig rig(c.kind);
@@ -220,8 +236,12 @@ TEST(StoredState, OnlyACompleteSaveThatIsAskedToTakesTheModifiedFlagBack) {
     bool clear, dirty_before, dirty_after;
     std::size_t written;
   };
-  for (const Case& c : {Case{-1, true, true, false, 36}, {-1, false, true, true, 36}, {-1, false, false, false, 36},
-                        {0, true, true, true, 0}, {1, true, true, true, 20}, {1, true, false, false, 20}}) {
+  for (const Case& c : {Case{-1, true, true, false, 36},
+                        {-1, false, true, true, 36},
+                        {-1, false, false, false, 36},
+                        {0, true, true, true, 0},
+                        {1, true, true, true, 20},
+                        {1, true, false, false, 20}}) {
     SCOPED_TRACE(::testing::Message() << "write " << c.failing_call << " fails, clear " << c.clear);
     Rig rig(kGate);
     if (c.dirty_before) rig.effect.automated().Set(0, 5);
@@ -247,7 +267,8 @@ TEST(Presets, EachAppliesItsRecordAndTellsTheWindows) {
     }
     Rig rig(*kind);
     const auto count = static_cast<std::int32_t>(kind->presets.count);
-    for (const std::int32_t bad : {-1, count, INT32_MIN, INT32_MAX}) EXPECT_EQ(ApplyPreset(rig.effect, bad), E_INVALIDARG);
+    for (const std::int32_t bad : {-1, count, INT32_MIN, INT32_MAX})
+      EXPECT_EQ(ApplyPreset(rig.effect, bad), E_INVALIDARG);
     EXPECT_EQ(rig.Get(), Words(kind->words, 7));
     EXPECT_EQ(rig.Notifications(), 0u);
     EXPECT_EQ(std::string(kind->presets.name(0)), "(Default)");

@@ -1,4 +1,4 @@
-// Counts what the calling thread allocates through operator new, for tests of code that must not. Linking allocation_counter.cpp
+// Counts what the calling thread allocates with new, for tests of code that must not. Linking allocation_counter.cpp
 // replaces the operator for the whole test program.
 #pragma once
 

@@ -1,4 +1,5 @@
-// Stand-ins for what surrounds the portable core: the host's recorder and storage, windows, and an effect that records its calls.
+// Stand-ins for what surrounds the portable core: the host's recorder and storage, windows, and an effect that records
+// its calls.
 #pragma once
 
 #include <algorithm>
