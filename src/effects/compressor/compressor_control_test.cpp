@@ -1,0 +1,324 @@
+#include "effects/compressor/compressor_control.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <ostream>
+#include <vector>
+
+#include "effects/compressor/compressor_effect.h"
+#include "support/testing/fakes.h"
+
+namespace tervan {
+
+static bool operator==(const CompressorMeters& a, const CompressorMeters& b) {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+static void PrintTo(const CompressorMeters& m, std::ostream* os) {
+  *os << m.input_left << ' ' << m.input_right << ' ' << m.output_left << ' ' << m.output_right << ' ' << m.reduction;
+}
+
+namespace {
+
+using tervan::testing::FakePoster;
+using tervan::testing::Window;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr std::int64_t kSecond = 10000000;  // 100-ns units
+
+struct FakeClock : StreamClock {
+  std::int64_t Now_100ns() override { return now_100ns; }
+  std::int64_t now_100ns = 0;
+};
+
+std::uint32_t Bits(float value) {
+  std::uint32_t bits = 0;
+  std::memcpy(&bits, &value, sizeof bits);
+  return bits;
+}
+
+// Ten words of a record, floats by their bits.
+std::vector<std::uint32_t> Words(const CompressorSettings& settings) {
+  std::vector<std::uint32_t> words(10);
+  std::memcpy(words.data(), &settings, sizeof settings);
+  return words;
+}
+
+CompressorMeters Record(double x) { return {x, 2 * x, 3 * x, 4 * x, 5 * x}; }
+
+struct CompressorControlTest : ::testing::Test {
+  CompressorSettings Settings() {
+    CompressorSettings settings{};
+    EXPECT_EQ(control.GetSettings(&settings), S_OK);
+    return settings;
+  }
+  CompressorMeters Meters() {
+    CompressorMeters meters{};
+    EXPECT_EQ(control.GetMeters(&meters), S_OK);
+    return meters;
+  }
+  CompressorMeters MetersAt(std::int64_t now_100ns) {
+    clock->now_100ns = now_100ns;
+    return Meters();
+  }
+  void StartClockedMeters() {
+    control.SetClock(clock);
+    control.StartMeters();
+  }
+  void PutAt(int second, double value) {  // one record per second of stream time
+    while (seconds < second) control.AdvanceStreamTime(48000, 48000), ++seconds;
+    control.PutMeters(Record(value));
+  }
+
+  FakePoster poster;
+  CompressorControl control{poster};
+  std::shared_ptr<FakeClock> clock = std::make_shared<FakeClock>();
+  int seconds = 0;
+};
+
+TEST_F(CompressorControlTest, RecordsKeepTheirReservedWordAndPassUnclamped) {
+  CompressorSettings given{99, -99, 7, 0.5f, -3, 1e9f, 1, 1, 77, 1};
+  EXPECT_EQ(control.SetSettings(&given), S_OK);
+  CompressorSettings read{};
+  read.reserved = 1234;
+  EXPECT_EQ(control.GetSettings(&read), S_OK);
+  given.reserved = 1234;
+  EXPECT_EQ(Words(read), Words(given));
+  EXPECT_TRUE(control.IsChanged());
+  EXPECT_TRUE(control.IsDirty());
+}
+
+TEST_F(CompressorControlTest, OlderRecordsSetTheirFirstFieldsAndFixTheOthers) {
+  const std::uint32_t words[] = {Bits(1), Bits(-2), Bits(-3), Bits(4), Bits(5), Bits(6), 0, 1};
+  const CompressorSettings other{0, 0, 0, 1, 0, 0, 0, 1, 0, 1};
+  control.SetSettings(&other);
+  CompressorSettings settings{};
+  control.SnapshotSettings(&settings);
+
+  EXPECT_EQ(control.SetLegacySettings6(words), S_OK);
+  EXPECT_EQ(Words(Settings()), Words({1, -2, -3, 4, 5, 6, 1, 0, 0, 0}));
+  EXPECT_TRUE(control.SnapshotSettings(&settings));
+  EXPECT_FALSE(control.SnapshotSettings(&settings));
+
+  control.SetSettings(&other);
+  EXPECT_EQ(control.SetLegacySettings8(words), S_OK);
+  EXPECT_EQ(Words(Settings()), Words({1, -2, -3, 4, 5, 6, 0, 1, 0, 0}));
+}
+
+TEST_F(CompressorControlTest, SettersReachTheirOwnFieldAndStayInItsRange) {
+  const struct {
+    CompressorParam param;
+    float below, above;
+    float low, high;
+  } kFloats[] = {
+      {CompressorParam::kInputGain, -61, 26, -60, 25}, {CompressorParam::kOutputGain, -99, 99, -60, 25},
+      {CompressorParam::kThreshold, -70, 3, -60, 0},   {CompressorParam::kAmount, 0, 80, 1, 50},
+      {CompressorParam::kAttackTime, -1, 501, 0, 500}, {CompressorParam::kReleaseTime, -1, 5001, 0, 5000},
+  };
+  for (const auto& row : kFloats) {
+    const auto index = static_cast<std::uint32_t>(row.param);
+    SCOPED_TRACE(index);
+    std::vector<std::uint32_t> expected = Words(Settings());
+    EXPECT_EQ(control.Set(index, row.below), S_OK);
+    expected[index] = Bits(row.low);
+    EXPECT_EQ(Words(Settings()), expected);
+    EXPECT_EQ(control.Set(index, row.above), S_OK);
+    expected[index] = Bits(row.high);
+    EXPECT_EQ(Words(Settings()), expected);
+  }
+  const struct {
+    CompressorParam param;
+    std::size_t word;
+  } kSwitches[] = {{CompressorParam::kAutoGainCompensation, 6},
+                   {CompressorParam::kSmoothSaturation, 7},
+                   {CompressorParam::kBypass, 9}};
+  for (const auto& row : kSwitches) {
+    for (const std::int32_t value : {7, -1}) {
+      std::vector<std::uint32_t> expected = Words(Settings());
+      EXPECT_EQ(control.Set(static_cast<std::uint32_t>(row.param), value), S_OK);
+      expected[row.word] = value > 0 ? 1 : 0;
+      EXPECT_EQ(Words(Settings()), expected);
+    }
+  }
+}
+
+TEST_F(CompressorControlTest, NullPointersAreRefusedAndChangeNothing) {
+  CompressorSettings settings{};
+  control.SnapshotSettings(&settings);
+  EXPECT_EQ(control.GetSettings(nullptr), E_POINTER);
+  EXPECT_EQ(control.SetSettings(nullptr), E_POINTER);
+  EXPECT_EQ(control.SetLegacySettings6(nullptr), E_POINTER);
+  EXPECT_EQ(control.SetLegacySettings8(nullptr), E_POINTER);
+  EXPECT_EQ(control.GetMeters(nullptr), E_POINTER);
+  EXPECT_FALSE(control.IsChanged());
+}
+
+TEST_F(CompressorControlTest, WithoutClockOrHistoryTheLatestRecordCounts) {
+  EXPECT_EQ(Meters(), kIdleMeters);
+  control.StartMeters();  // no clock, no history
+  control.PutMeters(Record(1));
+  control.PutMeters(Record(2));
+  EXPECT_EQ(Meters(), Record(2));
+  control.SetClock(clock);  // the clock came after the start
+  clock->now_100ns = kSecond;
+  EXPECT_EQ(Meters(), Record(2));
+  control.ResetMeters();
+  EXPECT_EQ(Meters(), kIdleMeters);
+}
+
+TEST_F(CompressorControlTest, RecordOfTheClocksTimeIsInterpolated) {
+  StartClockedMeters();
+  PutAt(1, 10);
+  PutAt(2, 20);
+  PutAt(4, 40);
+  EXPECT_EQ(MetersAt(0), kIdleMeters);
+  EXPECT_EQ(MetersAt(-5), Record(10));
+  EXPECT_EQ(MetersAt(kSecond / 2), Record(10));  // before the first one
+  EXPECT_EQ(MetersAt(kSecond), Record(10));
+  EXPECT_EQ(MetersAt(kSecond + kSecond / 4), Record(12.5));
+  EXPECT_EQ(MetersAt(2 * kSecond), Record(20));
+  EXPECT_EQ(MetersAt(3 * kSecond), Record(30));
+  EXPECT_EQ(MetersAt(4 * kSecond), Record(40));
+  EXPECT_EQ(MetersAt(9 * kSecond), Record(40));
+  EXPECT_EQ(MetersAt(kSecond), Record(40)) << "older records are forgotten once passed";
+}
+
+TEST_F(CompressorControlTest, ChunksOfOneSampleShareItsEnd) {
+  StartClockedMeters();
+  PutAt(1, 10);
+  PutAt(1, 11);
+  PutAt(2, 20);
+  EXPECT_EQ(MetersAt(kSecond), Record(10));
+  // Between records of one time there is nothing to interpolate: the first stays, until newer ones have taken its
+  // place.
+  EXPECT_EQ(MetersAt(kSecond + kSecond / 2), Record(10));
+}
+
+TEST_F(CompressorControlTest, OldestRecordsMakeWayAfterSixtyThree) {
+  StartClockedMeters();
+  for (int second = 1; second <= 100; ++second) PutAt(second, second);
+  // 64 places, one of them always free between the newest and the oldest: 38 to 100 are left.
+  EXPECT_EQ(MetersAt(kSecond), Record(38));
+  EXPECT_EQ(MetersAt(38 * kSecond + kSecond / 2), Record(38.5));
+  EXPECT_EQ(MetersAt(100 * kSecond), Record(100));
+  EXPECT_EQ(MetersAt(500 * kSecond), Record(100));
+}
+
+TEST_F(CompressorControlTest, ResetEmptiesTheHistoryAndRestartsItsTime) {
+  StartClockedMeters();
+  PutAt(1, 10);
+  PutAt(2, 20);
+  control.ResetMeters();
+  EXPECT_EQ(MetersAt(kSecond), kIdleMeters);
+  EXPECT_EQ(MetersAt(2 * kSecond), kIdleMeters);
+  control.AdvanceStreamTime(48000, 48000);
+  control.PutMeters(Record(7));
+  EXPECT_EQ(MetersAt(kSecond), Record(7));
+}
+
+TEST_F(CompressorControlTest, StreamTimeRoundsAndStandsStillWithoutARateOrHistory) {
+  const struct {
+    std::uint32_t frames, rate_hz;
+    std::int64_t duration_100ns;
+  } kRows[] = {{1, 44100, 227}, {441, 44100, 100000}, {1, 768000, 13}, {480, 0, 0}, {0, 48000, 0}};
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(::testing::Message() << row.frames << " at " << row.rate_hz);
+    CompressorControl fresh(poster);
+    fresh.SetClock(clock);
+    fresh.AdvanceStreamTime(48000, 48000);  // before there is a history
+    fresh.StartMeters();
+    fresh.AdvanceStreamTime(row.frames, row.rate_hz);
+    fresh.PutMeters(Record(0));
+    fresh.AdvanceStreamTime(10, 1);  // ten seconds
+    fresh.PutMeters(Record(10));
+    clock->now_100ns = row.duration_100ns + 5 * kSecond;
+    CompressorMeters meters{};
+    fresh.GetMeters(&meters);
+    EXPECT_EQ(meters, Record(5));
+  }
+}
+
+TEST_F(CompressorControlTest, RemovedClockLeavesTheLatestRecord) {
+  StartClockedMeters();
+  PutAt(1, 10);
+  PutAt(2, 20);
+  control.SetClock(nullptr);
+  EXPECT_EQ(Meters(), Record(20));
+}
+
+struct CompressorEffectTest : ::testing::Test {
+  std::vector<std::uint16_t> Codes() {
+    std::vector<std::uint16_t> codes;
+    for (const auto& message : poster.Take()) codes.push_back(message.code);
+    return codes;
+  }
+  CompressorMeters Meters() {
+    CompressorMeters meters{};
+    effect->compressor_control().GetMeters(&meters);
+    return meters;
+  }
+  static constexpr StreamFormat kFormat{kTagFloat, 2, 48000, 384000, 8, 32, 0};
+
+  FakePoster poster;
+  std::unique_ptr<CompressorEffect> effect = std::make_unique<CompressorEffect>(poster);
+};
+
+TEST_F(CompressorEffectTest, StartsAsPresetZeroIdleAndToBeSaved) {
+  CompressorSettings settings{};
+  effect->GetRecord(&settings);
+  EXPECT_EQ(Words(settings), Words({0, 0, 0, 1, 15, 250, 1, 0, 0, 0}));
+  EXPECT_EQ(Meters(), kIdleMeters);
+  EXPECT_TRUE(effect->control().IsChanged());
+  EXPECT_TRUE(effect->control().IsDirty());
+}
+
+TEST_F(CompressorEffectTest, TellsThePageWhatHappensButNotWhatThePageDid) {
+  effect->control().SetNotifyWindow(Window(1), 5);
+  effect->compressor_control().Set(static_cast<std::uint32_t>(CompressorParam::kThreshold), -10.0f);
+  EXPECT_THAT(Codes(), IsEmpty());
+
+  constexpr auto kAmount = static_cast<std::uint32_t>(CompressorParam::kAmount);
+  EXPECT_EQ(effect->SetParam(kAmount, 60), E_INVALIDARG);
+  EXPECT_EQ(effect->SetParam(9, 1), E_INVALIDARG);
+  EXPECT_THAT(Codes(), IsEmpty());
+  EXPECT_EQ(effect->SetParam(kAmount, 6), S_OK);
+  EXPECT_THAT(Codes(), ElementsAre(0));
+  EXPECT_EQ(effect->SetParam(kAmount, 6), S_FALSE);
+  EXPECT_THAT(Codes(), IsEmpty());
+
+  EXPECT_EQ(effect->Start(kFormat), S_OK);
+  EXPECT_THAT(Codes(), ElementsAre(32702, 32703));
+  effect->compressor_control().PutMeters(Record(1));
+  EXPECT_EQ(effect->Stop(), S_OK);
+  EXPECT_THAT(Codes(), ElementsAre(32703));
+  EXPECT_EQ(Meters(), kIdleMeters);
+
+  effect.reset();
+  EXPECT_THAT(Codes(), ElementsAre(32703));
+}
+
+TEST_F(CompressorEffectTest, StartLoadsTheSettingsAndTheWatchedStreamMeters) {
+  EXPECT_TRUE(effect->NeedsSettings());
+  EXPECT_EQ(ApplyPreset(*effect, 8), S_OK);
+  EXPECT_EQ(effect->Start(kFormat), S_OK);
+  EXPECT_FALSE(effect->NeedsSettings());
+  EXPECT_FALSE(effect->control().IsChanged());
+
+  std::vector<float> data(2 * 48000, 1.0f);
+  std::uint32_t frames = 48000;
+  EXPECT_EQ(effect->Process(SampleFormat::kFloat32, ProcessMode::kContinuous, data.data(), &frames, false), S_OK);
+  EXPECT_NEAR(data.back(), 0.501187f, 1e-6f);  // limited to -6 dB
+  EXPECT_EQ(Meters(), kIdleMeters) << "nobody watches";
+
+  effect->control().SetNotifyWindow(Window(1), 5);
+  frames = 100;
+  EXPECT_EQ(effect->Process(SampleFormat::kFloat32, ProcessMode::kContinuous, data.data(), &frames, false), S_OK);
+  EXPECT_GT(Meters().input_left, 0.5);
+}
+
+}  // namespace
+}  // namespace tervan
