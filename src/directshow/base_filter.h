@@ -1,4 +1,5 @@
-// A filter: state machine, pins, graph membership, registration. Generic; sources, transforms and writers derive from it.
+// A filter: state machine, pins, graph membership, registration. Generic; sources, transforms and writers derive from
+// it.
 //
 // Locks, in the order in which they are taken:
 //   1. FilterLock     state changes and connections. Held while peers are asked during a connection (they call back on

@@ -25,7 +25,8 @@ STDMETHODIMP_(ULONG) BasePin::AddRef() { return filter_.AddRef(); }
 STDMETHODIMP_(ULONG) BasePin::Release() { return filter_.Release(); }
 
 IUnknown* BasePin::FindInterface(REFIID iid) noexcept {
-  return FindIn(iid, {{IID_IPin, static_cast<IPin*>(this)}, {IID_IQualityControl, static_cast<IQualityControl*>(this)}});
+  return FindIn(iid,
+                {{IID_IPin, static_cast<IPin*>(this)}, {IID_IQualityControl, static_cast<IQualityControl*>(this)}});
 }
 
 STDMETHODIMP BasePin::Connect(IPin* peer, const AM_MEDIA_TYPE* type) {

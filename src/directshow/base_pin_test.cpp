@@ -132,6 +132,14 @@ TEST_F(BasePinTest, ConnectionsFollowTheRules) {
   EXPECT_EQ(out.Disconnect(), S_OK);
 }
 
+TEST_F(BasePinTest, AConnectionThatFailsLateIsUndoneOnBothSides) {
+  const Object<Source> source(SourceOptions{.decide_result = VFW_E_BUFFER_NOTSET});
+  const Object<Inverter> filter;
+  EXPECT_EQ(source->pin.Connect(&filter->Input(), &AudioType(44100).Get()), VFW_E_BUFFER_NOTSET);
+  EXPECT_FALSE(source->pin.IsConnected());
+  EXPECT_FALSE(filter->Input().IsConnected());
+}
+
 TEST_F(BasePinTest, TheFilterGoesThroughItsStates) {
   const Object<Inverter> filter;
   FILTER_STATE state;
@@ -168,7 +176,8 @@ TEST_F(BasePinTest, TheClockIsReferencedAndTheGraphIsNot) {
   EXPECT_EQ(references(clock.Get()), before);
 
   ComPtr<IFilterGraph> graph;
-  ASSERT_EQ(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterGraph, graph.PutVoid()), S_OK);
+  ASSERT_EQ(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterGraph, graph.PutVoid()),
+            S_OK);
   const ULONG graph_before = references(graph.Get());
   EXPECT_EQ(filter->JoinFilterGraph(graph.Get(), L"name"), S_OK);
   EXPECT_EQ(references(graph.Get()), graph_before);
@@ -176,6 +185,7 @@ TEST_F(BasePinTest, TheClockIsReferencedAndTheGraphIsNot) {
   EXPECT_EQ(filter->QueryFilterInfo(&info), S_OK);
   EXPECT_STREQ(info.achName, L"name");
   EXPECT_EQ(info.pGraph, graph.Get());
+  EXPECT_EQ(references(graph.Get()), graph_before + 1) << "but the one who asks gets a reference";
   info.pGraph->Release();
   EXPECT_EQ(filter->JoinFilterGraph(nullptr, nullptr), S_OK);
   EXPECT_EQ(filter->NotifyGraph(EC_USER, 0, 0), E_NOTIMPL);

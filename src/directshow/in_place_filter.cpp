@@ -85,8 +85,9 @@ HRESULT InPlaceTransformFilter::OnStop() {
 }
 
 bool InPlaceTransformFilter::MustCopy() const noexcept {
-  // Without an announced allocator upstream's samples are taken as they come.
-  return input_.IsReadOnly() || (input_.Allocator() && input_.Allocator() != output_.Allocator());
+  // Read-only buffers are never shared with downstream, so they count here as well. Without an announced allocator
+  // upstream's samples are taken as they come.
+  return input_.Allocator() && input_.Allocator() != output_.Allocator();
 }
 
 HRESULT InPlaceTransformFilter::WritableSample(IMediaSample& source, ComPtr<IMediaSample>* writable) {

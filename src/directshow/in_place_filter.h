@@ -94,19 +94,19 @@ class InPlaceTransformFilter : public BaseFilter {
   // A pin has got this type: input first, output second, also when the format changes in the stream. [host, stream]
   virtual HRESULT SetMediaType(PIN_DIRECTION /*direction*/, const AM_MEDIA_TYPE& /*type*/) { return S_OK; }
   virtual HRESULT CompleteConnect(PIN_DIRECTION /*direction*/, IPin* /*peer*/) { return S_OK; }  // [host]
-  virtual void BreakConnect(PIN_DIRECTION /*direction*/) {}                                     // [host]
+  virtual void BreakConnect(PIN_DIRECTION /*direction*/) {}                                      // [host]
 
   // Stopped to paused and back, only with both pins connected. [host; streaming lock held as well]
   virtual HRESULT StartStreaming() { return S_OK; }
   virtual HRESULT StopStreaming() { return S_OK; }
 
-  // Takes one sample: copies it where necessary, transforms and delivers it. The answer is that of the delivery; S_FALSE
-  // from Transform drops the sample and is answered with S_OK, its failures are answered as they are. [stream]
+  // Takes one sample: copies it where necessary, transforms and delivers it. The answer is that of the delivery;
+  // S_FALSE from Transform drops the sample and is answered with S_OK, its failures are answered as they are. [stream]
   virtual HRESULT Receive(IMediaSample* sample);
-  virtual HRESULT Transform(IMediaSample& sample) = 0;  // [stream]
-  virtual HRESULT EndOfStream() { return output_.DeliverEndOfStream(); }  // [stream]
-  virtual HRESULT BeginFlush() { return output_.DeliverBeginFlush(); }    // [any thread, no lock]
-  virtual HRESULT EndFlush() { return output_.DeliverEndFlush(); }        // [any thread, no lock]
+  virtual HRESULT Transform(IMediaSample& sample) = 0;                                  // [stream]
+  virtual HRESULT EndOfStream() { return output_.DeliverEndOfStream(); }                // [stream]
+  virtual HRESULT BeginFlush() { return output_.DeliverBeginFlush(); }                  // [any thread, no lock]
+  virtual HRESULT EndFlush() { return output_.DeliverEndFlush(); }                      // [any thread, no lock]
   virtual HRESULT NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) {  // [stream]
     return output_.DeliverNewSegment(start, stop, rate);
   }

@@ -33,10 +33,10 @@ class InputPin : public BasePin, public IMemInputPin {
   STDMETHODIMP ReceiveCanBlock() override { return S_OK; }
 
   // IPin. The first and last wait for Receive, the flush does not begin behind it. The states answer as in Receive.
-  STDMETHODIMP EndOfStream() override;                                                            // [stream]
-  STDMETHODIMP BeginFlush() override;                                                             // [any thread]
-  STDMETHODIMP EndFlush() override;                                                               // [any thread]
-  STDMETHODIMP NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) override;       // [stream]
+  STDMETHODIMP EndOfStream() override;                                                       // [stream]
+  STDMETHODIMP BeginFlush() override;                                                        // [any thread]
+  STDMETHODIMP EndFlush() override;                                                          // [any thread]
+  STDMETHODIMP NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) override;  // [stream]
 
   HRESULT Inactive() override;
 

@@ -8,8 +8,7 @@ INT_PTR CALLBACK EmptyDialogProc(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
 // The size in pixels depends on the dialog's font, so a hidden one is made and measured.
 SIZE MeasureDialog(HINSTANCE module, int dialog_id) {
   SIZE size = {300, 150};  // for a dialog that cannot be made
-  const HWND dialog =
-      CreateDialogParamW(module, MAKEINTRESOURCEW(dialog_id), GetDesktopWindow(), EmptyDialogProc, 0);
+  const HWND dialog = CreateDialogParamW(module, MAKEINTRESOURCEW(dialog_id), GetDesktopWindow(), EmptyDialogProc, 0);
   if (!dialog) return size;
   RECT bounds;
   if (GetWindowRect(dialog, &bounds)) size = {bounds.right - bounds.left, bounds.bottom - bounds.top};

@@ -152,8 +152,8 @@ TEST_F(PropertyPageTest, AppliesOnlyWhatIsDirty) {
 }
 
 TEST_F(PropertyPageTest, AWindowThatDiesWithItsFrameOrItsPageLeavesNothingBehind) {
-  const HWND other_frame = CreateWindowW(L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 9, 9, nullptr, nullptr, nullptr,
-                                         nullptr);
+  const HWND other_frame =
+      CreateWindowW(L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
   const Object<TestPage> page;
   page->activate_result = E_ACCESSDENIED;
   EXPECT_EQ(page->Activate(frame_, &area_, FALSE), E_ACCESSDENIED);

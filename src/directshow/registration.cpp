@@ -56,8 +56,8 @@ FilterMapper::~FilterMapper() {
 }
 
 HRESULT FilterMapper::Open() noexcept {
-  const HRESULT result = CoCreateInstance(CLSID_FilterMapper2, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterMapper2,
-                                          mapper_.PutVoid());
+  const HRESULT result =
+      CoCreateInstance(CLSID_FilterMapper2, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterMapper2, mapper_.PutVoid());
   if (SUCCEEDED(result)) return result;
   return CoCreateInstance(CLSID_FilterMapper, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterMapper, old_mapper_.PutVoid());
 }

@@ -106,7 +106,8 @@ inline BYTE SourceByte(int sample, long i) { return static_cast<BYTE>(sample * 7
 
 struct SourceOptions {
   bool own_allocator = false;
-  bool read_only = false;  // with an allocator of its own
+  bool read_only = false;
+  HRESULT decide_result = S_OK;  // of settling the buffers
   int samples = 5;
   long bytes = 64;
   int change_type_at = -1;  // sample that carries a new type
@@ -143,15 +144,17 @@ class SourcePin final : public OutputPin, public IMediaSeeking {
     return S_OK;
   }
   HRESULT DecideBufferSize(IMemAllocator& allocator, ALLOCATOR_PROPERTIES* properties) override {
+    if (FAILED(options_.decide_result)) return options_.decide_result;
     properties->cBuffers = 3;
     properties->cbBuffer = options_.bytes;
     return SetAllocatorProperties(allocator, *properties);
   }
   HRESULT DecideAllocator() override {
-    if (!options_.own_allocator) return OutputPin::DecideAllocator();
+    if (!options_.own_allocator && !options_.read_only) return OutputPin::DecideAllocator();
     ComPtr<IMemAllocator> allocator;
     ALLOCATOR_PROPERTIES properties{};
-    HRESULT result = CreateMemoryAllocator(&allocator);
+    HRESULT result = options_.own_allocator ? CreateMemoryAllocator(&allocator)
+                                            : Query<IMemInputPin>(Peer().Get())->GetAllocator(allocator.Put());
     if (SUCCEEDED(result)) result = DecideBufferSize(*allocator, &properties);
     return FAILED(result) ? result : ShareAllocator(allocator.Get(), options_.read_only);
   }
@@ -252,7 +255,8 @@ class Source final : public BaseFilter {
 
 struct SinkOptions {
   bool only_own_allocator = false;
-  bool blocks = false;  // in Receive, until flushed, stopped or released
+  bool blocks = false;       // in Receive, until flushed, stopped or released
+  size_t keeps_samples = 0;  // holds on to so many and then says so, until stopped
   HRESULT answer = S_OK;
   std::vector<DWORD> rates_hz = {44100, 48000};
 };
@@ -296,6 +300,7 @@ class SinkPin final : public InputPin {
   }
   HRESULT Inactive() override {
     release.Set();
+    kept_.clear();
     const std::lock_guard guard(end_lock_);
     has_ended_ = is_running_ = false;
     return InputPin::Inactive();
@@ -323,6 +328,8 @@ class SinkPin final : public InputPin {
     if (sample.GetMediaType(&attached) == S_OK) type.Adopt(attached);
     copy.attached_rate_hz = RateOf(type);
     received.push_back(copy);
+    if (options_.keeps_samples != 0) kept_.emplace_back(&sample);
+    if (kept_.size() == options_.keeps_samples) entered.Set();
     return S_OK;
   }
   HRESULT OnEndOfStream() override {
@@ -359,6 +366,7 @@ class SinkPin final : public InputPin {
 
   const SinkOptions options_;
   ComPtr<IMemAllocator> own_;
+  std::vector<ComPtr<IMediaSample>> kept_;
   std::mutex end_lock_;
   std::atomic<bool> has_ended_ = false, is_running_ = false;
 };
