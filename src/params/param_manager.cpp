@@ -60,11 +60,12 @@ HRESULT ParamManager::GetParam(std::uint32_t index, float* value) const {
 
 HRESULT ParamManager::SetParam(std::uint32_t index, float value) {
   if (index >= table_.size()) return E_INVALIDARG;
+  if (!std::isfinite(value)) return E_INVALIDARG;
   const ParamInfo& info = table_[index].info;
   const LockGuard guard(lock_);
   ParamState& state = states_[index];
   if (streaming_ && state.in_segment) return S_FALSE;
-  if (!(value >= info.mpdMinValue && value <= info.mpdMaxValue)) return E_INVALIDARG;
+  if (value < info.mpdMinValue || value > info.mpdMaxValue) return E_INVALIDARG;
   return std::exchange(state.value, value) == value ? S_FALSE : S_OK;
 }
 

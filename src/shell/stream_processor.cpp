@@ -24,6 +24,7 @@ HRESULT StreamProcessor::StartStreaming() {
     params_->SetSampleRate(format_.nSamplesPerSec);
   }
   data_received_ = draining_ = false;
+  unpushed_changes_ = 0;  // the start pushes everything
   return effect_.Start(format_);
 }
 
@@ -58,8 +59,14 @@ HRESULT StreamProcessor::TransformWhole(SampleView& sample, ProcessMode mode) {
   return result;
 }
 
-std::uint32_t StreamProcessor::NextChunk(std::uint32_t frames_left, std::uint32_t* flags) {
-  return std::min(params_->NextChangeFrames(frames_left, flags), frames_left);
+std::uint32_t StreamProcessor::NextChunk(std::uint32_t frames_left) {
+  return std::min(params_->NextChangeFrames(frames_left, &unpushed_changes_), frames_left);
+}
+
+HRESULT StreamProcessor::Push(ProcessMode mode) {
+  const HRESULT result = effect_.PushSettings(mode);
+  if (SUCCEEDED(result)) unpushed_changes_ = 0;
+  return result;
 }
 
 HRESULT StreamProcessor::TransformChunks(SampleView& sample, ProcessMode mode) {
@@ -70,13 +77,12 @@ HRESULT StreamProcessor::TransformChunks(SampleView& sample, ProcessMode mode) {
   std::uint32_t done = 0;
   HRESULT result = mode == ProcessMode::kDrain ? S_FALSE : S_OK;  // no effect has a tail to give
   do {
-    std::uint32_t flags = 0;
-    std::uint32_t frames = NextChunk(total - done, &flags);
+    std::uint32_t frames = NextChunk(total - done);
     if (frames == 0 || mode == ProcessMode::kDrain) break;
     if (effect_.IsActive()) {
       const bool changed = effect_.FetchSettings();
-      if (changed || effect_.NeedsSettings() || flags != 0) {
-        const HRESULT pushed = effect_.PushSettings(mode);
+      if (changed || effect_.NeedsSettings() || unpushed_changes_ != 0) {
+        const HRESULT pushed = Push(mode);
         if (FAILED(pushed)) {
           result = pushed;
           break;
@@ -114,13 +120,12 @@ HRESULT StreamProcessor::ProcessChunks(float* data, std::uint32_t frames, bool s
   HRESULT result = S_OK;
   std::uint32_t done = 0;
   do {
-    std::uint32_t flags = 0;
-    std::uint32_t chunk = NextChunk(frames - done, &flags);
+    std::uint32_t chunk = NextChunk(frames - done);
     if (chunk == 0) break;
     if (effect_.IsActive()) {
-      if (flags != 0) {
+      if (unpushed_changes_ != 0) {
         effect_.FetchSettings();
-        const HRESULT pushed = effect_.PushSettings(ProcessMode::kContinuous);
+        const HRESULT pushed = Push(ProcessMode::kContinuous);
         if (FAILED(pushed)) return pushed;
       }
       result = effect_.Process(SampleFormat::kFloat32, ProcessMode::kContinuous, data, &chunk, stop);
@@ -147,7 +152,7 @@ HRESULT StreamProcessor::Refresh(bool reset) {
   if (reset && params_) params_->ResetClock();
   const bool changed = effect_.FetchSettings();
   if (!reset && !changed) return S_FALSE;
-  return effect_.PushSettings(reset ? ProcessMode::kDiscontinuity : ProcessMode::kContinuous);
+  return Push(reset ? ProcessMode::kDiscontinuity : ProcessMode::kContinuous);
 }
 
 }  // namespace tervan

@@ -66,11 +66,15 @@ class StreamProcessor {
   HRESULT TransformChunks(SampleView& sample, ProcessMode mode);
   HRESULT TransformWhole(SampleView& sample, ProcessMode mode);
   HRESULT ProcessChunks(float* data, std::uint32_t frames, bool stop);
-  std::uint32_t NextChunk(std::uint32_t frames_left, std::uint32_t* flags);
+  std::uint32_t NextChunk(std::uint32_t frames_left);
+  HRESULT Push(ProcessMode mode);
 
   Effect& effect_;
   ParamManager* const params_;
   StreamFormat format_{};
+  // Change masks that automation reported since the last push. They outlast a sample without frames and a bypassed
+  // chunk, or a value that then stands still would never reach the engine.
+  std::uint32_t unpushed_changes_ = 0;
   bool data_received_ = false;
   bool draining_ = false;
 };

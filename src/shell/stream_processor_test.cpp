@@ -123,6 +123,21 @@ TEST(StreamProcessor, ChunksEndAtSegmentEndsAndCarryTheValuesOfTheirStart) {
   EXPECT_EQ(rig.FramesOut(), 4096u);
 }
 
+// The first visit of a constant segment is the only one that reports a change.
+TEST(StreamProcessor, ValueSetByAnEmptySampleStillReachesTheEngine) {
+  Rig rig(Like::kCompressor);
+  rig.Run(10);
+  rig.effect.Take();
+  rig.Automate(kConstant);
+  rig.processor.SetBlock({0, 0});
+  EXPECT_EQ(rig.RunBytes(0), S_OK);
+  EXPECT_EQ(rig.effect.Take(), "");
+  rig.Run(10);
+  EXPECT_EQ(rig.effect.Take(), "push1 m1x10");
+  rig.Run(10);
+  EXPECT_EQ(rig.effect.Take(), "m1x10");
+}
+
 TEST(StreamProcessor, InactiveChunksPassUntouchedAndFetchNothing) {
   Rig rig(Like::kEq);
   rig.Automate(kConstant);
