@@ -46,9 +46,13 @@ TEST(CompressorCoefficients, TimesTooShortForAFrameAreSteps) {
       {0, 0, 0, 44100, 44, 0},  // no attack time is one of a millisecond,
       {0, 0, 0, 999, 0, 0},     // where that lasts a frame
       {0, 0, 1, 44100, 0, 0},   // and not before the low-pass
-      {0.02f, 0.02f, 0, 44100, 0, 0}, {0.04f, 0.04f, 0, 44100, 1, 1},
-      {0.04f, 0.04f, 1, 44100, 0, 0}, {10.9f, 10.9f, 0, 1000, 10, 10},  // whole frames, truncated
-      {-5, -5, 0, 44100, 0, 0},       {15, 250, 0, 0, 0, 0},
+      {0.02f, 0.02f, 0, 44100, 0, 0},
+      {0.04f, 0.04f, 0, 44100, 1, 1},
+      {0.04f, 0.04f, 1, 44100, 0, 0},
+      {10.9f, 10.9f, 0, 1000, 10, 10},     // whole frames, truncated
+      {72.5f, 145, 0, 48000, 3480, 6960},  // 3479 and 6959 if the milliseconds became seconds first
+      {-5, -5, 0, 44100, 0, 0},
+      {15, 250, 0, 0, 0, 0},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(testing::Message() << row.attack_ms << " ms at " << row.rate_hz);
