@@ -85,26 +85,36 @@ std::string Padded(std::string text, size_t width) {
   return text;
 }
 
-std::string ParamLine(const EffectInstance& effect, DWORD index, size_t label_width) {
-  const ParamDescription& param = effect.Params()[index];
-  return "  " + Padded(param.label, label_width) + "  " + Padded(std::string(TypeName(param.type)), 7) + "  " +
-         Padded(DescribeRange(param), 14) + "  a new effect has " + FormatParamValue(param, effect.ParamValue(index)) +
-         "; curves " + Listed(CurveNames(param)) + '\n';
+// Columns as wide as their widest cell.
+std::string Table(const std::vector<std::vector<std::string>>& rows) {
+  std::vector<size_t> widths;
+  for (const auto& row : rows) {
+    widths.resize(std::max(widths.size(), row.size()));
+    for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+  }
+  std::string text;
+  for (const auto& row : rows) {
+    for (size_t i = 0; i + 1 < row.size(); ++i) text += Padded(row[i], widths[i] + 2);
+    text += row.back() + '\n';
+  }
+  return text;
 }
 
 std::string DescriptionText(const EffectInstance& effect) {
-  std::string text = std::string(effect.Type().title) + "  " + GuidText(effect.Type().clsid) + "\n\nParameters\n";
-  size_t label_width = 0;
-  for (const ParamDescription& param : effect.Params()) label_width = std::max(label_width, param.label.size());
-  for (DWORD i = 0; i < effect.Params().size(); ++i) text += ParamLine(effect, i, label_width);
-  text += "\nPresets\n";
-  const std::vector<std::string> presets = effect.PresetNames();
-  for (size_t i = 0; i < presets.size(); ++i) text += "  " + std::to_string(i) + "  " + presets[i] + '\n';
-  text += "\nInterfaces\n";
-  for (const KnownInterface& known : Interfaces(effect)) {
-    text += "  " + Padded(std::string(known.name), 22) + GuidText(known.iid) + '\n';
+  std::vector<std::vector<std::string>> params{{"Parameter", "Type", "Range", "New effect", "Curves"}};
+  for (DWORD i = 0; i < effect.Params().size(); ++i) {
+    const ParamDescription& param = effect.Params()[i];
+    params.push_back({param.label, std::string(TypeName(param.type)), DescribeRange(param),
+                      FormatParamValue(param, effect.ParamValue(i)), Listed(CurveNames(param))});
   }
-  return text;
+  std::vector<std::vector<std::string>> presets{{"#", "Preset"}};
+  for (const std::string& name : effect.PresetNames()) presets.push_back({std::to_string(presets.size() - 1), name});
+  std::vector<std::vector<std::string>> interfaces{{"Interface", "IID"}};
+  for (const KnownInterface& known : Interfaces(effect)) {
+    interfaces.push_back({std::string(known.name), GuidText(known.iid)});
+  }
+  return std::string(effect.Type().title) + ' ' + GuidText(effect.Type().clsid) + "\n\n" + Table(params) + '\n' +
+         Table(presets) + '\n' + Table(interfaces);
 }
 
 }  // namespace
@@ -112,12 +122,11 @@ std::string DescriptionText(const EffectInstance& effect) {
 std::string ListEffects(const Module& module, bool json) {
   const std::vector<const EffectType*> effects = AvailableEffects(module);
   if (!json) {
-    std::string text;
+    std::vector<std::vector<std::string>> rows;
     for (const EffectType* effect : effects) {
-      text += Padded(std::string(effect->name), 12) + Padded(std::string(effect->title), 26) + GuidText(effect->clsid) +
-              '\n';
+      rows.push_back({std::string(effect->name), std::string(effect->title), GuidText(effect->clsid)});
     }
-    return text;
+    return Table(rows);
   }
   JsonWriter writer;
   writer.BeginObject().Key("effects").BeginArray();

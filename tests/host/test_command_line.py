@@ -1,0 +1,278 @@
+"""Commands, output for people and programs, and everything that can be wrong."""
+
+import shutil
+import struct
+
+import pytest
+
+import conftest
+import wav
+
+DATA = wav.pack("float32", wav.tones(2000))
+GOOD = wav.riff(wav.fmt(), wav.chunk(b"data", DATA))
+BYPASS = ("--effect", "compressor:bypass=on")
+
+
+def test_list_and_describe(host):
+    effects = host.run("list", "--json").json()["effects"]
+    compressor = next(effect for effect in effects if effect["name"] == "compressor")
+    assert compressor["clsid"] == "{23C9F225-40EC-11D2-9D36-00C04F8EDC1E}"
+    assert "compressor" in host.run("list").out
+
+    description = host.run("describe", "compressor", "--json").json()
+    ranges = [(p["label"], p["unit"], p["type"], p["min"], p["max"], p["value"]) for p in description["parameters"]]
+    assert ranges == [
+        ("Input Gain", "dB", "float", -60, 25, 0),
+        ("Output Gain", "dB", "float", -60, 25, 0),
+        ("Threshold", "dB", "float", -60, 0, 0),
+        ("Amount", "", "float", 1, 50, 1),
+        ("Attack Time", "ms", "float", 0, 500, 15),
+        ("Release Time", "ms", "float", 0, 5000, 250),
+        ("Auto Gain Compensation", "", "switch", 0, 1, 1),
+        ("Smooth Saturation", "", "switch", 0, 1, 0),
+        ("Bypass", "", "switch", 0, 1, 0),
+    ]
+    assert description["presets"][:3] == ["(Default)", "Default all parameters", "Soft Limiter"]
+    assert len(description["presets"]) == 9
+    names = {interface["name"] for interface in description["interfaces"]}
+    assert {"ICompressorSettings", "IMediaParams", "IPersistStream", "IPluginPresets", "IDirectBufferProcess"} <= names
+    text = host.run("describe", "compressor").out
+    for label, *_ in ranges:
+        assert label in text
+
+
+def test_version_and_help(host):
+    assert host.run("--version").out.startswith("tervan-host 1.")
+    for arguments in ([], ["--help"], ["render", "--help"]):
+        result = host.run(*arguments)
+        assert (result.code, result.err) == (0, "")
+        assert "--effect" in result.out
+
+
+def test_report_has_the_right_numbers(host):
+    # 0.5 of full scale: -6.02 dBFS peak, and for a square wave RMS as well.
+    host.write("in.wav", wav.wav("pcm16", wav.square(44100, 0.5)))
+    effect = "compressor:output gain=-6:threshold=-10:auto=off"
+    document = host.render("in.wav", "out.wav", "--json", "--effect", effect).json()
+    assert document["path"] == "graph"
+    (report,) = document["files"]
+    assert (report["input"], report["output"]) == ("in.wav", "out.wav")
+    assert report["input_format"] == {"encoding": "pcm", "bits": 16, "channels": 2, "sample_rate_hz": 44100}
+    assert report["output_format"] == report["input_format"]
+    assert (report["frames"], report["duration_s"]) == (44100, 1)
+    for levels, expected in (("input_levels", -6.0206), ("output_levels", -12.0206)):
+        assert report[levels] == {key: pytest.approx(expected, abs=0.01) for key in ("peak_dbfs", "rms_dbfs")}
+    assert report["elapsed_s"] > 0
+    assert report["times_real_time"] == pytest.approx(1 / report["elapsed_s"])
+
+    text = host.render("in.wav", "out.wav", "--force", "--effect", effect).out
+    assert "16-bit PCM, stereo, 44100 Hz" in text
+    assert "peak -6.02 dBFS, RMS -6.02 dBFS" in text
+    assert "peak -12.02 dBFS, RMS -12.02 dBFS" in text
+
+
+def test_several_inputs_go_to_the_pattern_and_a_bad_one_stops_no_other(host):
+    (host.folder / "out").mkdir()
+    for name in ("one.wav", "two.x.wav", "four.wav"):
+        host.write(name, GOOD)
+    host.write("three.wav", b"no audio")
+    inputs = ("one.wav", "two.x.wav", "three.wav", "four.wav")
+    result = host.run("render", *inputs, "out/{name}-comp.wav", *BYPASS)
+    assert result.code == 2
+    assert result.err.splitlines() == ['tervan-host: "three.wav" is not a WAV file']
+    assert result.out.count("->") == 3
+    outputs = sorted(path.name for path in (host.folder / "out").iterdir())
+    assert outputs == ["four-comp.wav", "one-comp.wav", "two.x-comp.wav"]
+    assert wav.parse(host.read("out/four-comp.wav")).data == DATA
+
+
+def test_an_existing_output_is_replaced_only_by_force(host):
+    host.write("in.wav", GOOD)
+    host.write("out.wav", b"precious")
+    assert "--force" in host.refuse(2, "render", "in.wav", "out.wav", *BYPASS)
+    assert host.read("out.wav") == b"precious"
+    host.render("in.wav", "out.wav", "--force", *BYPASS)
+    assert wav.parse(host.read("out.wav")).data == DATA
+    host.refuse(2, "render", "in.wav", "other.wav", "--save-state", "out.wav", *BYPASS)
+    assert host.names() == ["in.wav", "out.wav"]
+
+
+@pytest.mark.parametrize("output", ["in.wav", "./in.wav", "../{name}/../FOLDER/in.wav", "{name}.wav", "linked.wav"])
+def test_an_input_is_never_overwritten(host, output):
+    host.write("in.wav", GOOD)
+    (host.folder / "linked.wav").hardlink_to(host.folder / "in.wav")
+    output = output.replace("FOLDER", host.folder.name).replace("../{name}/", "")
+    host.refuse(1, "render", "in.wav", output, "--force", *BYPASS)
+    assert host.read("in.wav") == GOOD
+    assert host.names() == ["in.wav", "linked.wav"]
+
+
+BAD_FILES = {
+    "nothing": (b"", "is not a WAV file"),
+    "too short": (b"RIFF", "is not a WAV file"),
+    "text": (b"These are words and no audio at all.", "is not a WAV file"),
+    "another RIFF file": (wav.riff(kind=b"AVI "), "is not a WAV file"),
+    "RF64": (wav.riff(wav.fmt(), riff_id=b"RF64"), "RF64"),
+    "big-endian": (wav.riff(wav.fmt(), riff_id=b"RIFX"), "RIFX"),
+    "no chunks": (wav.riff(), "no format chunk"),
+    "no format": (wav.riff(wav.chunk(b"data", DATA)), "no format chunk"),
+    "no data": (wav.riff(wav.fmt()), "no data chunk"),
+    "short format": (wav.riff(wav.chunk(b"fmt ", b"\1\0" * 7), wav.chunk(b"data", DATA)), "too short"),
+    "short extensible format": (wav.riff(wav.fmt(tag=wav.EXTENSIBLE), wav.chunk(b"data", DATA)), "too short"),
+    "truncated data": (GOOD[:-1], "truncated"),
+    "3 channels": (wav.riff(wav.fmt(channels=3), wav.chunk(b"data", DATA)), "3 channels"),
+    "no channels": (wav.riff(wav.fmt(channels=0), wav.chunk(b"data", DATA)), "0 channels"),
+    "12 bits": (wav.riff(wav.fmt("pcm16", bits=12, align=4), wav.chunk(b"data", DATA)), "12-bit"),
+    "16-bit float": (wav.riff(wav.fmt(bits=16), wav.chunk(b"data", DATA)), "16-bit float"),
+    "compressed": (wav.riff(wav.fmt("pcm8", tag=wav.ADPCM), wav.chunk(b"data", DATA)), "compressed"),
+    "rate 0": (wav.riff(wav.fmt(rate=0), wav.chunk(b"data", DATA)), "rate of 0"),
+    "24 bits in 4 bytes": (wav.riff(wav.fmt("pcm24", align=8), wav.chunk(b"data", DATA)), "bytes a frame"),
+}
+
+
+@pytest.mark.parametrize("content, sentence", BAD_FILES.values(), ids=BAD_FILES.keys())
+def test_bad_input_files(host, content, sentence):
+    host.write("in.wav", content)
+    message = host.refuse(2, "render", "in.wav", "out.wav", *BYPASS)
+    assert sentence in message and '"in.wav"' in message
+    assert host.names() == ["in.wav"]
+
+
+@pytest.mark.parametrize(
+    "inputs, output",
+    [
+        ("absent.wav", "out.wav"),
+        ("folder", "out.wav"),
+        ("in.wav", "absent/out.wav"),
+        ("in.wav", "folder"),
+        ("in.wav", "in.wav/out.wav"),
+        ("in.wav", "out?.wav"),
+    ],
+)
+def test_files_that_cannot_be_read_or_written(host, inputs, output):
+    host.write("in.wav", GOOD)
+    (host.folder / "folder").mkdir()
+    message = host.refuse(2, "render", inputs, output, "--force", *BYPASS)
+    assert f'"{inputs}"' in message or f'"{output}"' in message
+    assert host.names() == ["folder", "in.wav"]
+
+
+RENDER = ("render", "in.wav", "out.wav")
+
+
+@pytest.mark.parametrize(
+    "arguments, sentence",
+    [
+        (["frobnicate"], '"frobnicate"'),
+        (["--json"], "no command"),
+        (["list", "--frobnicate"], "--frobnicate"),
+        (["list", "compressor"], '"compressor"'),
+        (["list", "--force"], "--force"),
+        (["list", "--json=yes"], "--json"),
+        (["describe"], "one effect"),
+        (["describe", "reverb"], "compressor"),
+        (["register", "--module"], "--module"),
+        (["render", "in.wav"], "output"),
+        (["render", "in.wav", "in.wav", "out.wav"], "{name}"),
+        (["render", "in.wav", "./in.wav", "{name}-2.wav"], "twice"),
+        ([*RENDER, "--path", "tape"], '"tape"'),
+        ([*RENDER, "--effect"], "--effect"),
+        ([*RENDER, "--effect", ":threshold=-3"], "no name"),
+        ([*RENDER, "--effect", "reverb"], '"reverb"'),
+        ([*RENDER, "--effect", "compressor:loud"], "KEY=VALUE"),
+        ([*RENDER, "--effect", "compressor:threshold="], "no value"),
+        ([*RENDER, "--effect", 'compressor:preset="2:1'], "quote"),
+        ([*RENDER, "--effect", "compressor:preset=9"], "Soft Limiter"),
+        ([*RENDER, "--effect", "compressor:preset=-1"], '"-1"'),
+        ([*RENDER, "--effect", "compressor:preset=Loud"], "Soft Limiter"),
+        ([*RENDER, "--effect", "compressor:preset=1"  "x"], '"1x"'),
+        ([*RENDER, "--effect", "compressor:ratio=2"], "Amount"),
+        ([*RENDER, "--effect", "compressor:a=2"], "could be Amount, Attack Time or Auto Gain Compensation"),
+        ([*RENDER, "--effect", "compressor:threshold=loud"], "-60 to 0 dB"),
+        ([*RENDER, "--effect", "compressor:threshold=0.001"], "-60 to 0 dB"),
+        ([*RENDER, "--effect", "compressor:threshold=-60.001"], "-60 to 0 dB"),
+        ([*RENDER, "--effect", "compressor:threshold=-1,5"], "-60 to 0 dB"),
+        ([*RENDER, "--effect", "compressor:threshold=nan"], "-60 to 0 dB"),
+        ([*RENDER, "--effect", "compressor:amount=inf"], "1 to 50"),
+        ([*RENDER, "--effect", "compressor:bypass=2"], "off or on"),
+        ([*RENDER, "--effect", "compressor", "--effect", "compressor", "--save-state", "s"], "chain"),
+        ([*RENDER, "--load-state", "s"], "single"),
+    ],
+)
+def test_wrong_command_lines(host, arguments, sentence):
+    host.write("in.wav", GOOD)
+    assert sentence in host.refuse(1, *arguments)
+    assert host.names() == ["in.wav"]
+
+
+@pytest.mark.parametrize(
+    "content, sentence",
+    [
+        (b"threshold,0,1,0,-20", "6 fields"),
+        (b"threshold,0,1,0,-20,linear,", "6 fields"),
+        (b"a,b,c,d,e,f\na,b,c,d,e,f", "line 2"),
+        (b"\n# note\nloudness,0,1,0,-20,linear", "line 3"),
+        (b"threshold,1,1,0,-20,linear", "end after the start"),
+        (b"threshold,-1,1,0,-20,linear", "seconds"),
+        (b"threshold,0,1e300,0,-20,linear", "seconds"),
+        (b"threshold,0,nan,0,-20,linear", "seconds"),
+        (b"threshold,0,1,0,-61,linear", "-60 to 0 dB"),
+        (b"threshold,0,1,0,-20,wiggly", "jump, linear, square and invsquare"),
+        (b"bypass,0,1,0,1,linear", "jump"),
+        (b"threshold,0,1,0,-20,linear\nthreshold,0.9,2,0,0,jump", "overlaps"),
+        (b"2.threshold,0,1,0,-20,linear", '"2.threshold"'),
+        (bytes(range(256)), "line 1"),
+    ],
+)
+def test_bad_automation(host, content, sentence):
+    host.write("in.wav", GOOD)
+    host.write("a.csv", content)
+    message = host.refuse(2, *RENDER, "--effect", "compressor", "--automation", "a.csv")
+    assert sentence in message and '"a.csv"' in message
+    assert host.names() == ["a.csv", "in.wav"]
+
+
+@pytest.mark.parametrize(
+    "content",
+    [
+        b"",
+        b"words",
+        struct.pack("<I56x", 61),
+        struct.pack("<I16x36x", 60),
+        bytes.fromhex("3c0000009bf900c46e0c4c448f2098db216be56e") + b"\0" * 39,
+        b"\xff" * 60,
+    ],
+)
+def test_bad_stored_settings(host, content):
+    host.write("in.wav", GOOD)
+    host.write("state", content)
+    assert '"state"' in host.refuse(2, *RENDER, "--effect", "compressor", "--load-state", "state")
+    assert host.names() == ["in.wav", "state"]
+
+
+def test_without_a_module(host):
+    host.write("in.wav", GOOD)
+    lonely = host.folder / "lonely.exe"
+    shutil.copy(conftest.HOST, lonely)
+    for arguments in (["list"], [*RENDER, *BYPASS], ["register"]):
+        assert "tervanfx.dll" in host.refuse(2, *arguments, program=lonely)
+    host.write("fake.dll", b"MZ")
+    for module in ("absent.dll", "fake.dll", "kernel32.dll"):
+        assert f'"{module}"' in host.refuse(2, "list", "--module", module)
+    assert host.names() == ["fake.dll", "in.wav", "lonely.exe"]
+
+
+def test_a_registered_module_is_found_until_it_is_unregistered(host):
+    lonely = host.folder / "lonely.exe"
+    shutil.copy(conftest.HOST, lonely)
+    host.write("in.wav", GOOD)
+    assert host.run("register", "--json").json()["registered"] is True
+    try:
+        listed = host.run("list", program=lonely)
+        rendered = host.run(*RENDER, *BYPASS, program=lonely)
+    finally:
+        assert host.run("unregister").code == 0
+    assert (listed.code, rendered.code) == (0, 0)
+    assert "compressor" in listed.out
+    assert wav.parse(host.read("out.wav")).data == DATA
+    host.refuse(2, "list", program=lonely)

@@ -1,0 +1,109 @@
+"""What goes in and what comes out, format by format, through the graph and directly."""
+
+import struct
+
+import pytest
+
+import wav
+
+BYPASS = ("--effect", "compressor:bypass=on")  # leaves every sample as it is, in every format
+
+
+@pytest.mark.parametrize("channels", [1, 2])
+@pytest.mark.parametrize("name", ["pcm8", "pcm16", "pcm32", "float32", "float64"])
+def test_formats_of_the_effects_pass_unchanged(host, name, channels):
+    samples = wav.tones(10001, channels)
+    host.write("in.wav", wav.wav(name, samples, channels, 48000))
+    host.render("in.wav", "out.wav", *BYPASS)
+    out = wav.parse(host.read("out.wav"))
+    assert (out.tag, out.channels, out.rate, out.bits) == (*wav.FORMATS[name][:1], channels, 48000, wav.FORMATS[name][1])
+    assert out.data == wav.pack(name, samples)
+    if name.startswith("float"):
+        assert out.chunks == [b"fmt ", b"fact", b"data"]
+        assert out.fact == struct.pack("<I", 10001)
+    else:
+        assert out.chunks == [b"fmt ", b"data"]
+
+
+@pytest.mark.parametrize("make_fmt", [wav.fmt, wav.extensible_fmt])
+def test_24_bits_become_the_upper_bits_of_32(host, make_fmt):
+    samples = [0.0, -1.0, 0.999999, 0.5, -2.0**-23, 2.0**-23] * 2000
+    host.write("in.wav", wav.riff(make_fmt("pcm24"), wav.chunk(b"data", wav.pack("pcm24", samples))))
+    host.render("in.wav", "out.wav", *BYPASS)
+    out = wav.parse(host.read("out.wav"))
+    assert (out.tag, out.bits) == (wav.PCM, 32)
+    packed = wav.pack("pcm24", samples)
+    assert out.data == b"".join(b"\0" + packed[i : i + 3] for i in range(0, len(packed), 3))
+
+
+@pytest.mark.parametrize("name", ["pcm8", "pcm16", "pcm32", "float32", "float64"])
+def test_extensible_files_become_plain_ones(host, name):
+    data = wav.pack(name, wav.tones(500))
+    host.write("in.wav", wav.riff(wav.extensible_fmt(name), wav.chunk(b"data", data)))
+    host.render("in.wav", "out.wav", *BYPASS)
+    out = wav.parse(host.read("out.wav"))
+    assert (out.tag, out.bits, out.data) == (*wav.FORMATS[name][:2], data)
+
+
+@pytest.mark.parametrize("name", ["pcm8", "pcm16", "pcm24", "pcm32", "float32", "float64"])
+def test_direct_path_writes_32_bit_float_of_the_same_full_scale(host, name):
+    samples = [0.0, -1.0, 0.5, -0.25] * 3000
+    host.write("in.wav", wav.wav(name, samples))
+    host.render("in.wav", "out.wav", "--path", "direct", *BYPASS)
+    out = wav.parse(host.read("out.wav"))
+    assert (out.tag, out.bits) == (wav.FLOAT, 32)
+    assert out.data == wav.pack("float32", samples)
+
+
+@pytest.mark.parametrize("path", ["graph", "direct"])
+def test_a_new_compressor_does_not_touch_float(host, path):
+    data = wav.pack("float32", wav.tones(20000))
+    host.write("in.wav", wav.riff(wav.fmt(), wav.chunk(b"data", data)))
+    host.render("in.wav", "out.wav", "--path", path, "--effect", "compressor")
+    assert wav.parse(host.read("out.wav")).data == data
+
+
+DATA = wav.pack("float32", wav.tones(700))
+LIST = wav.chunk(b"LIST", b"INFOodd")
+UNUSUAL_FILES = {
+    "an odd chunk before the data": wav.riff(wav.fmt(), LIST, wav.chunk(b"data", DATA)),
+    "an odd chunk after the data": wav.riff(wav.fmt(), wav.chunk(b"data", DATA), LIST),
+    "data before the format": wav.riff(wav.chunk(b"data", DATA), wav.fmt()),
+    "frame size 0 in the header": wav.riff(wav.fmt(align=0), wav.chunk(b"data", DATA)),
+    "part of a frame at the end": wav.riff(wav.fmt(), wav.chunk(b"data", DATA + b"\1\2\3\4\5")),
+    "written into a pipe": wav.riff(wav.fmt(), wav.chunk(b"data", DATA, 0xFFFFFFFF), size=0xFFFFFFFF),
+    "recording broken off": wav.riff(wav.fmt(), wav.chunk(b"data", DATA, 0), size=0),
+    "recording broken off after the header": wav.riff(wav.fmt(), wav.chunk(b"data", DATA, 0), size=36),
+    "bytes behind the end": wav.riff(wav.fmt(), wav.chunk(b"data", DATA)) + b"more",
+}
+
+
+@pytest.mark.parametrize("content", UNUSUAL_FILES.values(), ids=UNUSUAL_FILES.keys())
+def test_unusual_but_readable_files(host, content):
+    host.write("in.wav", content)
+    host.render("in.wav", "out.wav", *BYPASS)
+    assert wav.parse(host.read("out.wav")).data == DATA
+
+
+@pytest.mark.parametrize("path", ["graph", "direct"])
+def test_a_file_without_audio_gives_one_without_audio(host, path):
+    host.write("in.wav", wav.wav("float32", []))
+    report = host.render("in.wav", "out.wav", "--path", path, "--json", *BYPASS).json()["files"][0]
+    assert wav.parse(host.read("out.wav")).data == b""
+    assert report["frames"] == 0
+    assert report["input_levels"] == {"peak_dbfs": None, "rms_dbfs": None}
+
+
+def test_an_odd_number_of_bytes_is_padded(host):
+    host.write("in.wav", wav.wav("pcm8", [0.5] * 7, channels=1))
+    host.render("in.wav", "out.wav", *BYPASS)
+    assert wav.parse(host.read("out.wav")).data == bytes([192] * 7)
+
+
+def test_names_beyond_ascii_and_long_paths(host):
+    folder = host.folder / ("long-" * 30) / "Zwölf Töne 音"
+    folder.mkdir(parents=True)
+    (folder / "в.wav").write_bytes(wav.riff(wav.fmt(), wav.chunk(b"data", DATA)))
+    report = host.render(folder / "в.wav", folder / "{name}-ü.wav", "--json", *BYPASS).json()
+    assert report["files"][0]["output"] == str(folder / "в-ü.wav")
+    assert wav.parse((folder / "в-ü.wav").read_bytes()).data == DATA
