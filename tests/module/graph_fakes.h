@@ -40,7 +40,7 @@ inline MediaType AudioType(const Format& format) {
 
 struct SourceSample {
   Bytes bytes;
-  std::optional<REFERENCE_TIME> start, stop;
+  std::optional<REFERENCE_TIME> start = {}, stop = {};
   bool is_discontinuity = false;
 };
 
