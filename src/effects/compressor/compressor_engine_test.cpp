@@ -10,7 +10,6 @@
 #include <iterator>
 #include <limits>
 #include <numbers>
-#include <random>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -26,37 +25,12 @@ using namespace tervan::testing;
 
 constexpr std::uint32_t kRates[] = {1, 700, 8000, 44100, 96000, 768000};
 
-// {in dB, out dB, threshold dB, amount, attack ms, release ms, auto gain, smooth, reserved, bypass}
-constexpr CompressorSettings kHeavy{3, 2, -30, 4, 5, 60, 1, 0, 0, 0};
-constexpr CompressorSettings kHeavySmooth{3, 2, -30, 4, 5, 60, 1, 1, 0, 0};
-
 std::vector<CompressorSettings> ManySettings() {
   std::vector<CompressorSettings> all;
   for (const auto& preset : compressor::kPresets) all.push_back(preset.settings);
   RandomSettings random(1);
   while (all.size() < 300) all.push_back(random.Next());
   return all;
-}
-
-std::string Text(const CompressorSettings& s) {
-  const double values[] = {s.input_gain_db, s.output_gain_db, s.threshold_db,
-                           s.amount,        s.attack_time_ms, s.release_time_ms};
-  std::string text;
-  for (const double value : values) text += std::to_string(value) + " ";
-  for (const std::int32_t value : {s.auto_gain_compensation, s.smooth_saturation, s.bypass})
-    text += std::to_string(value);
-  return text;
-}
-
-// Compares bits: a NaN equals itself, 0 does not equal -0.
-template <typename Sample>
-::testing::AssertionResult SameBits(const std::vector<Sample>& a, const std::vector<Sample>& b) {
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (std::memcmp(&a[i], &b[i], sizeof(Sample)) != 0) {
-      return ::testing::AssertionFailure() << "sample " << i << ": " << +a[i] << " and " << +b[i];
-    }
-  }
-  return ::testing::AssertionSuccess();
 }
 
 template <typename Sample>
@@ -450,81 +424,6 @@ TEST(CompressorEngine, StopFlagEndsTheStreamAndAsksForNewSettings) {
   EXPECT_EQ(frames, 500u);
   EXPECT_TRUE(engine.loaded());
   EXPECT_TRUE(SameBits(data, Compressed(kHeavy, input, 2)));
-}
-
-template <typename Sample>
-struct CompressorFloats : ::testing::Test {};
-using Floats = ::testing::Types<float, double>;
-TYPED_TEST_SUITE(CompressorFloats, Floats);
-
-TYPED_TEST(CompressorFloats, SamplesThatAreNotFiniteLeaveNoTrace) {
-  using Limits = std::numeric_limits<TypeParam>;
-  const auto input = SamplesOf<TypeParam>(Programme(60000, 2, 3000, 2));
-  for (const TypeParam bad : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), Limits::max()}) {
-    for (const bool watched : {false, true}) {
-      for (const CompressorSettings& settings : {kHeavy, kHeavySmooth}) {
-        SCOPED_TRACE(std::to_string(bad) + (watched ? " watched" : ""));
-        const auto undisturbed = Compressed(settings, input, 2, 44100, watched);
-        auto disturbed = input;
-        for (const std::size_t i : {0u, 1u, 7000u, 7001u, 7003u, 9998u}) disturbed[i] = bad;
-        const auto output = Compressed(settings, disturbed, 2, 44100, watched);
-        for (std::size_t i = 0; i < output.size(); ++i) {
-          ASSERT_TRUE(std::isfinite(output[i]) || disturbed[i] == bad || std::isnan(disturbed[i])) << i;
-        }
-        // Ten releases of 60 ms later.
-        for (std::size_t i = 10000 + 2 * 26460; i < output.size(); ++i) {
-          ASSERT_NEAR(output[i], undisturbed[i], 1e-6 * std::fabs(undisturbed[i])) << i;
-        }
-      }
-    }
-  }
-}
-
-TYPED_TEST(CompressorFloats, ResetForgetsWhateverCameBefore) {
-  const auto input = SamplesOf<TypeParam>(Programme(3000, 2, 700, 0));
-  FakeOwner owner;
-  owner.settings = kHeavySmooth;
-  CompressorEngine engine(owner);
-  engine.Start(FormatOf(2, 44100));
-  std::vector<TypeParam> loud(4000, TypeParam{1e30});
-  RunAll(engine, loud, 2);
-  engine.LoadParameters(kHeavySmooth, ProcessMode::kDiscontinuity);
-  auto output = input;
-  RunAll(engine, output, 2);
-  EXPECT_TRUE(SameBits(output, Compressed(kHeavySmooth, input, 2)));
-}
-
-// Whatever bytes a stored record holds: no setter would let them in, but a load does.
-TYPED_TEST(CompressorFloats, AbsurdRecordsGiveFiniteOutput) {
-  constexpr std::uint32_t kWords[] = {0xFFFFFFFF, 0x7F800000, 0xFF800000, 0x7F7F7F7F, 0xFF7FFFFF, 0x7E967699,
-                                      0xFE967699, 0x00000001, 0x80000000, 0x43480000, 0xC3480000};
-  const auto input = SamplesOf<TypeParam>(Programme(600, 2, 100, 0));
-  std::mt19937 random(7);
-  for (int i = 0; i < 3000; ++i) {
-    std::uint32_t words[10];
-    for (std::uint32_t& word : words) word = random() % 4 == 0 ? random() : kWords[random() % std::size(kWords)];
-    if (i < static_cast<int>(std::size(kWords))) std::fill(std::begin(words), std::end(words), kWords[i]);
-    words[9] = 0;  // no bypass
-    CompressorSettings settings{};
-    std::memcpy(&settings, words, sizeof settings);
-    constexpr std::uint32_t kAnyRate[] = {0, 1, 44100, 768000, 0xFFFFFFFF};
-    const std::uint32_t rate_hz = kAnyRate[i % std::size(kAnyRate)];
-    SCOPED_TRACE(Text(settings) + " at " + std::to_string(rate_hz));
-    FakeOwner owner;
-    owner.settings = settings;
-    owner.watched = i % 2 == 0;
-    CompressorEngine engine(owner);
-    engine.Start(FormatOf(2, rate_hz));
-    auto output = input;
-    RunAll(engine, output, 2);
-    for (const TypeParam sample : output) ASSERT_TRUE(std::isfinite(sample));
-    for (const CompressorMeters& meters : owner.published) {
-      for (const double value :
-           {meters.input_left, meters.input_right, meters.output_left, meters.output_right, meters.reduction}) {
-        ASSERT_TRUE(std::isfinite(value));
-      }
-    }
-  }
 }
 
 }  // namespace

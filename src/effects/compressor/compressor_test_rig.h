@@ -2,13 +2,17 @@
 // signals.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <initializer_list>
 #include <random>
 #include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -110,5 +114,30 @@ class RandomSettings {
   }
   std::mt19937 random_;
 };
+
+// {in dB, out dB, threshold dB, amount, attack ms, release ms, auto gain, smooth, reserved, bypass}
+inline constexpr CompressorSettings kHeavy{3, 2, -30, 4, 5, 60, 1, 0, 0, 0};
+inline constexpr CompressorSettings kHeavySmooth{3, 2, -30, 4, 5, 60, 1, 1, 0, 0};
+
+inline std::string Text(const CompressorSettings& s) {
+  const double values[] = {s.input_gain_db, s.output_gain_db, s.threshold_db,
+                           s.amount,        s.attack_time_ms, s.release_time_ms};
+  std::string text;
+  for (const double value : values) text += std::to_string(value) + " ";
+  for (const std::int32_t value : {s.auto_gain_compensation, s.smooth_saturation, s.bypass})
+    text += std::to_string(value);
+  return text;
+}
+
+// Compares bits: a NaN equals itself, 0 does not equal -0.
+template <typename Sample>
+::testing::AssertionResult SameBits(const std::vector<Sample>& a, const std::vector<Sample>& b) {
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (std::memcmp(&a[i], &b[i], sizeof(Sample)) != 0) {
+      return ::testing::AssertionFailure() << "sample " << i << ": " << +a[i] << " and " << +b[i];
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
 
 }  // namespace tervan::testing
