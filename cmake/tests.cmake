@@ -30,7 +30,7 @@ function(tervan_add_test name)
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} gmock_main)
 
   set(command ${TERVAN_TEST_LAUNCHER} $<TARGET_FILE:${name}>)
-  set(environment "GTEST_OUTPUT=xml:test-results/${name}.xml")
+  set(environment "GTEST_OUTPUT=xml:test-results/${name}.xml" GTEST_BRIEF=1)
   if(WIN32)
     set(command ${name})  # a bare target name makes ctest start it through the emulator
     tervan_windows_path(${PROJECT_BINARY_DIR}/tervanfx.dll module)
