@@ -58,7 +58,7 @@ class HeaderBuilder {
   HMMIO riff_;
 };
 
-std::vector<char> Header(const AudioFormat& format, std::uint64_t frames) {
+std::vector<char> Header(const std::string& path, const AudioFormat& format, std::uint64_t frames) {
   constexpr LONG kPcmBytes = sizeof(PCMWAVEFORMAT), kFloatBytes = sizeof(WAVEFORMATEX);
   constexpr std::uint64_t kChunkBytes = 8;
   const LONG format_bytes = format.IsFloat() ? kFloatBytes : kPcmBytes;
@@ -67,7 +67,8 @@ std::vector<char> Header(const AudioFormat& format, std::uint64_t frames) {
   const std::uint64_t riff_bytes =
       sizeof(FOURCC) + kChunkBytes + format_bytes + fact_bytes + kChunkBytes + data_bytes + data_bytes % 2;
   if (riff_bytes > kMaxRiffBytes) {
-    throw Failure(std::to_string(data_bytes) + " bytes of " + Describe(format) + " do not fit into a WAV file");
+    throw Failure("cannot write " + Quoted(path) + ": " + std::to_string(data_bytes) + " bytes of " + Describe(format) +
+                  " do not fit into a WAV file");
   }
   HeaderBuilder header;
   header.Begin(FOURCC_RIFF, riff_bytes, mmioFOURCC('W', 'A', 'V', 'E'));
@@ -82,7 +83,7 @@ std::vector<char> Header(const AudioFormat& format, std::uint64_t frames) {
 WavWriter::WavWriter(const std::string& path, const AudioFormat& format, std::uint64_t expected_frames,
                      bool may_replace)
     : format_(format), output_(path, may_replace) {
-  const std::vector<char> header = Header(format, expected_frames);
+  const std::vector<char> header = Header(path, format, expected_frames);
   output_.File().Write(header.data(), header.size());
 }
 
@@ -93,7 +94,7 @@ void WavWriter::Write(const void* data, size_t frames) {
 
 void WavWriter::Finish() {
   if (frames_ * format_.FrameBytes() % 2 != 0) output_.File().Write("", 1);  // chunks have even lengths
-  const std::vector<char> header = Header(format_, frames_);
+  const std::vector<char> header = Header(output_.Path(), format_, frames_);
   output_.File().Seek(0);
   output_.File().Write(header.data(), header.size());
   output_.Commit();

@@ -41,20 +41,17 @@ class Host:
     def __init__(self, folder):
         self.folder = folder
 
+    def start(self, *arguments, program=HOST, out=subprocess.DEVNULL, err=subprocess.DEVNULL):
+        command = [*RUNNER, str(program), *map(str, arguments)]
+        return subprocess.Popen(command, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=out, stderr=err)
+
     def run(self, *arguments, program=HOST):
         # Into files, not pipes: Wine's server inherits them and lives on for seconds, and a pipe would be waited for.
         with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
-            done = subprocess.run(
-                [*RUNNER, str(program), *map(str, arguments)],
-                cwd=self.folder,
-                stdin=subprocess.DEVNULL,
-                stdout=out,
-                stderr=err,
-                timeout=120,
-            )
+            code = self.start(*arguments, program=program, out=out, err=err).wait(120)
             out.seek(0)
             err.seek(0)
-            return Result(done.returncode, out.read().decode(), without_wine(err.read().decode()))
+            return Result(code, out.read().decode(), without_wine(err.read().decode()))
 
     def render(self, *arguments):
         """One that must succeed."""

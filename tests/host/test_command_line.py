@@ -1,7 +1,10 @@
 """Commands, output for people and programs, and everything that can be wrong."""
 
+import os
 import shutil
+import signal
 import struct
+import time
 
 import pytest
 
@@ -155,6 +158,29 @@ def test_files_that_cannot_be_read_or_written(host, inputs, output):
     message = host.refuse(2, "render", inputs, output, "--force", *BYPASS)
     assert f'"{inputs}"' in message or f'"{output}"' in message
     assert host.names() == ["folder", "in.wav"]
+
+
+def test_an_output_beyond_4_gib_is_refused_at_once(host):
+    # As 32-bit samples these 24-bit ones take a third more. The file has no blocks: it is one long hole.
+    header = wav.riff(wav.fmt("pcm24"), wav.chunk(b"data", b"", 0xFFFFFF00), size=0xFFFFFFF0)
+    host.write("in.wav", header)
+    os.truncate(host.folder / "in.wav", len(header) + 0xFFFFFF00)
+    assert "do not fit into a WAV file" in host.refuse(2, "render", "in.wav", "out.wav")
+    assert host.names() == ["in.wav"]
+
+
+def test_an_interrupted_rendering_leaves_nothing_behind(host):
+    header = wav.riff(wav.fmt("pcm16"), wav.chunk(b"data", b"", 2**31), size=2**31)
+    host.write("in.wav", header)
+    os.truncate(host.folder / "in.wav", len(header) + 2**31)
+    program = host.start("render", "in.wav", "out.wav")
+    deadline = time.monotonic() + 60
+    while host.names() == ["in.wav"] and time.monotonic() < deadline:
+        time.sleep(0.05)
+    assert len(host.names()) == 2  # the unfinished output
+    program.send_signal(signal.SIGINT)
+    assert program.wait(60) == 2
+    assert host.names() == ["in.wav"]
 
 
 RENDER = ("render", "in.wav", "out.wav")
