@@ -38,8 +38,20 @@ function(tervan_add_test name)
     list(APPEND environment "TERVAN_MODULE=${module}" "TERVAN_HOST=${host}")
   endif()
   add_test(NAME ${name} COMMAND ${command} WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
-  set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 900 LABELS googletest)
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 900 LABELS cases)
   if(WIN32)
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK wine)  # one registry for all of them
   endif()
+endfunction()
+
+# tervan_add_pytest(NAME DIRECTORY folder)
+#
+# Registers a folder of pytest files, which run the built host from outside, as one test; its cases are counted as above.
+function(tervan_add_pytest name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "DIRECTORY" "")
+  add_test(NAME ${name}
+    COMMAND /usr/bin/python3 -m pytest  # the one that Debian's pytest belongs to
+      -q -p no:cacheprovider --junitxml=${PROJECT_BINARY_DIR}/test-results/${name}.xml ${arg_DIRECTORY})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 1800 LABELS cases ENVIRONMENT
+    "PYTHONDONTWRITEBYTECODE=1;TERVAN_HOST=${PROJECT_BINARY_DIR}/tervan-host.exe;TERVAN_RUNNER=${PROJECT_SOURCE_DIR}/scripts/wine-run ${TERVAN_ARCH} run")
 endfunction()
