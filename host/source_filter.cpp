@@ -75,7 +75,7 @@ HRESULT SourcePin::DeliverAll() {
     result = GetDeliveryBuffer(sample.Put(), nullptr, nullptr, 0);
     if (SUCCEEDED(result)) result = sample->GetPointer(&data);
     if (FAILED(result)) break;
-    const size_t room = std::min(buffer_frames_, sample->GetSize() / frame_bytes);
+    const size_t room = std::min(buffer_frames_, static_cast<size_t>(sample->GetSize()) / frame_bytes);
     const size_t frames = input_.Read(data, room);
     if (frames == 0) return DeliverEndOfStream();
     REFERENCE_TIME start = TimeOf(position), stop = TimeOf(position + frames);
