@@ -74,7 +74,8 @@ TEST_F(DirectTest, ALimiterHoldsAFullScaleSquareWaveAtItsThreshold) {
 TEST_F(DirectTest, TheSizeOfTheBuffersDoesNotMatter) {
   ASSERT_EQ(presets->ApplyPreset(5), S_OK);
   std::vector<float> whole(2 * 5000);
-  for (std::size_t i = 0; i < whole.size(); ++i) whole[i] = static_cast<float>(std::sin(0.01 * static_cast<double>(i * i % 6007)));
+  for (std::size_t i = 0; i < whole.size(); ++i)
+    whole[i] = static_cast<float>(std::sin(0.01 * static_cast<double>(i * i % 6007)));
   std::vector<float> parts = whole;
   ASSERT_EQ(direct->BeginStream(2, 48000), S_OK);
   ASSERT_EQ(direct->ProcessBuffer(whole.data(), 5000, 0), S_OK);

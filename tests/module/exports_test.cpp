@@ -16,8 +16,8 @@ using ClassObjectTest = ModuleTest;
 using IdentityTest = ModuleTest;
 
 TEST_F(ExportsTest, CarryPlainNames) {
-  for (const char* name : {"DllMain", "DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer", "DllUnregisterServer",
-                           "BuildPositionStringEx"}) {
+  for (const char* name : {"DllMain", "DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer",
+                           "DllUnregisterServer", "BuildPositionStringEx"}) {
     EXPECT_NE(GetProcAddress(TheModule(), name), nullptr) << name;
   }
 }
@@ -127,8 +127,9 @@ TEST_F(IdentityTest, EveryInterfaceLeadsToEveryOtherAndBackToOneUnknown) {
 
 TEST_F(IdentityTest, OtherInterfacesAreNotAnswered) {
   const auto identity = NewCompressor<IUnknown>();
-  for (const IID& iid : {IID_IClassFactory, IID_IDispatch, IID_IPropertyPage, IID_IPersistPropertyBag, IID_IMediaSeeking,
-                         IID_IMediaPosition, IID_IPin, IID_IMemInputPin, IID_IPersistStreamInit, GUID_NULL}) {
+  for (const IID& iid :
+       {IID_IClassFactory, IID_IDispatch, IID_IPropertyPage, IID_IPersistPropertyBag, IID_IMediaSeeking,
+        IID_IMediaPosition, IID_IPin, IID_IMemInputPin, IID_IPersistStreamInit, GUID_NULL}) {
     void* out = kPoison;
     EXPECT_EQ(identity->QueryInterface(iid, &out), E_NOINTERFACE) << std::hex << iid.Data1;
     EXPECT_EQ(out, nullptr) << std::hex << iid.Data1;

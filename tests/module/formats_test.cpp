@@ -15,13 +15,20 @@ struct Offer {
 };
 
 const Offer kOffers[] = {
-    {"8 bits", {kPcm, 1, 8000, 8}, true},          {"16 bits", {kPcm, 2, 44100, 16}, true},
-    {"32 bits", {kPcm, 2, 48000, 32}, true},       {"float", {kFloat, 1, 96000, 32}, true},
-    {"double", {kFloat, 2, 192000, 64}, true},     {"rate 0", {kPcm, 2, 0, 16}, true},
-    {"24 bits", {kPcm, 2, 44100, 24}, false},      {"64 bits PCM", {kPcm, 2, 44100, 64}, false},
-    {"0 bits", {kPcm, 2, 44100, 0}, false},        {"float of 16 bits", {kFloat, 2, 44100, 16}, false},
-    {"no channels", {kPcm, 0, 44100, 16}, false},  {"3 channels", {kPcm, 3, 44100, 16}, false},
-    {"extensible", {kExtensible, 2, 44100, 16}, false}, {"another tag", {2, 2, 44100, 16}, false},
+    {"8 bits", {kPcm, 1, 8000, 8}, true},
+    {"16 bits", {kPcm, 2, 44100, 16}, true},
+    {"32 bits", {kPcm, 2, 48000, 32}, true},
+    {"float", {kFloat, 1, 96000, 32}, true},
+    {"double", {kFloat, 2, 192000, 64}, true},
+    {"rate 0", {kPcm, 2, 0, 16}, true},
+    {"24 bits", {kPcm, 2, 44100, 24}, false},
+    {"64 bits PCM", {kPcm, 2, 44100, 64}, false},
+    {"0 bits", {kPcm, 2, 44100, 0}, false},
+    {"float of 16 bits", {kFloat, 2, 44100, 16}, false},
+    {"no channels", {kPcm, 0, 44100, 16}, false},
+    {"3 channels", {kPcm, 3, 44100, 16}, false},
+    {"extensible", {kExtensible, 2, 44100, 16}, false},
+    {"another tag", {2, 2, 44100, 16}, false},
 };
 
 TEST_F(FormatTest, AreTakenByTagChannelsAndBits) {
@@ -30,7 +37,8 @@ TEST_F(FormatTest, AreTakenByTagChannelsAndBits) {
     CompressorGraph graph(offer.format);
     const MediaType type = AudioType(offer.format);
     EXPECT_EQ(graph.input->QueryAccept(&type.Get()), offer.accepted ? S_OK : S_FALSE);
-    EXPECT_EQ(graph.input->ReceiveConnection(&graph.source->pin, &type.Get()), offer.accepted ? S_OK : VFW_E_TYPE_NOT_ACCEPTED);
+    EXPECT_EQ(graph.input->ReceiveConnection(&graph.source->pin, &type.Get()),
+              offer.accepted ? S_OK : VFW_E_TYPE_NOT_ACCEPTED);
     WAVEFORMATEX stored{};
     EXPECT_EQ(graph.control->GetFormat(&stored), offer.accepted ? S_OK : VFW_E_NOT_CONNECTED);
     if (!offer.accepted) continue;

@@ -1,5 +1,5 @@
-// A source and a sink around the compressor in the platform's filter graph. The test's own thread delivers the samples, so every
-// step has happened when its call returns.
+// A source and a sink around the compressor in the platform's filter graph. The test's own thread delivers the samples,
+// so every step has happened when its call returns.
 #pragma once
 #include <atomic>
 #include <functional>
@@ -162,7 +162,8 @@ struct CompressorGraph {
     keep_sink = ComPtr<IBaseFilter>(sink);
     compressor = NewCompressor<IBaseFilter>();
     control = Query<ICompressorSettings>(compressor.Get());
-    EXPECT_EQ(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_IGraphBuilder, builder.PutVoid()), S_OK);
+    EXPECT_EQ(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_IGraphBuilder, builder.PutVoid()),
+              S_OK);
     media = Query<IMediaControl>(builder.Get());
     EXPECT_EQ(builder->AddFilter(source, L"source"), S_OK);
     EXPECT_EQ(builder->AddFilter(compressor.Get(), L"compressor"), S_OK);

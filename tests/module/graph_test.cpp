@@ -8,8 +8,8 @@ namespace tervan::test {
 namespace {
 
 constexpr WORD kPcm = WAVE_FORMAT_PCM, kFloat = WAVE_FORMAT_IEEE_FLOAT;
-constexpr Format kFormats[] = {
-    {kPcm, 2, 44100, 8}, {kPcm, 1, 44100, 16}, {kPcm, 2, 44100, 16}, {kPcm, 2, 44100, 32}, {kFloat, 2, 44100, 32}, {kFloat, 1, 44100, 64}};
+constexpr Format kFormats[] = {{kPcm, 2, 44100, 8},  {kPcm, 1, 44100, 16},   {kPcm, 2, 44100, 16},
+                               {kPcm, 2, 44100, 32}, {kFloat, 2, 44100, 32}, {kFloat, 1, 44100, 64}};
 constexpr LONG kHardLimiter = 8;  // threshold -6 dB, no make-up
 constexpr double kLimit = 0.5011872336;
 
@@ -43,7 +43,8 @@ double Decode(const Bytes& bytes, const Format& format, std::size_t index) {
 // A square wave of 50 frames each way.
 Bytes Square(const Format& format, int frames, double level = 1.0) {
   Bytes bytes;
-  for (int i = 0; i < frames * format.channels; ++i) Encode(bytes, format, (i / format.channels / 50) % 2 == 0 ? level : -level);
+  for (int i = 0; i < frames * format.channels; ++i)
+    Encode(bytes, format, (i / format.channels / 50) % 2 == 0 ? level : -level);
   return bytes;
 }
 
@@ -94,7 +95,8 @@ TEST_F(GraphTest, ADiscontinuityWithoutAPushKeepsTheGain) {
   ASSERT_NO_FATAL_FAILURE(graph.Start());
   graph.source->pin.Send({.bytes = Square(format, 4000)});
   graph.source->pin.Send({.bytes = Square(format, 100), .is_discontinuity = true});
-  EXPECT_NEAR(Decode(graph.sink->pin.samples[1], format, 0), kLimit, 1e-2) << "nothing was pushed, so nothing was reset";
+  EXPECT_NEAR(Decode(graph.sink->pin.samples[1], format, 0), kLimit, 1e-2)
+      << "nothing was pushed, so nothing was reset";
   graph.control->BeginAmountEdit();
   graph.control->EndAmountEdit();  // marks the settings as changed
   graph.source->pin.Send({.bytes = Square(format, 100), .is_discontinuity = true});
@@ -130,11 +132,13 @@ TEST_F(GraphTest, AutomationInAGraphEqualsDirectProcessing) {
   ASSERT_NO_FATAL_FAILURE(graph.Start());
   for (int n = 0; n < 16; ++n) {
     const auto begin = input.begin() + n * 5000;
-    ASSERT_EQ(graph.source->pin.Send({.bytes = {begin, begin + 5000}, .start = n * 125000, .stop = (n + 1) * 125000}), S_OK);
+    ASSERT_EQ(graph.source->pin.Send({.bytes = {begin, begin + 5000}, .start = n * 125000, .stop = (n + 1) * 125000}),
+              S_OK);
   }
   const Bytes output = graph.sink->pin.All();
   ASSERT_EQ(output.size(), input.size());
-  for (std::size_t i = 0; i < expected.size(); ++i) ASSERT_EQ(Decode(output, format, i), static_cast<double>(expected[i])) << i;
+  for (std::size_t i = 0; i < expected.size(); ++i)
+    ASSERT_EQ(Decode(output, format, i), static_cast<double>(expected[i])) << i;
   EXPECT_NE(output, input);
 }
 
@@ -213,7 +217,9 @@ TEST_F(GraphTest, LeavesNothingBehindInWhateverOrderItIsUsed) {
       SourcePin& pin = graph.source->pin;
       pin.stream = [&] {
         const Bytes sound = Square(format, 441);
-        for (int n = 0; n < 1 << 20 && pin.Send({.bytes = sound, .start = n * 100000, .stop = n * 100000 + 100000}) == S_OK;) ++n;
+        for (int n = 0;
+             n < 1 << 20 && pin.Send({.bytes = sound, .start = n * 100000, .stop = n * 100000 + 100000}) == S_OK;)
+          ++n;
       };
       graph.Connect();
       for (int step = pick(6); step > 0; --step) {

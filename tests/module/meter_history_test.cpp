@@ -71,10 +71,14 @@ TEST_F(MeterHistoryTest, TheRecordOfTheClocksTimeIsRead) {
     const struct {
       REFERENCE_TIME now;
       double level;
-    } rows[] = {{0, 0},                   // no time yet
-                {kSample / 2, 0.125},     // before the first record
-                {kSample, 0.125},         {3 * kSample / 2, 0.1875}, {2 * kSample, 0.25},
-                {5 * kSample / 2, 0.375}, {3 * kSample, 0.5},        {10 * kSample, 0.5}};
+    } rows[] = {{0, 0},                // no time yet
+                {kSample / 2, 0.125},  // before the first record
+                {kSample, 0.125},
+                {3 * kSample / 2, 0.1875},
+                {2 * kSample, 0.25},
+                {5 * kSample / 2, 0.375},
+                {3 * kSample, 0.5},
+                {10 * kSample, 0.5}};
     for (const auto& row : rows) {
       clock.now = row.now;
       EXPECT_DOUBLE_EQ(InputLevel(*graph.control), row.level) << row.now;
@@ -90,7 +94,8 @@ TEST_F(MeterHistoryTest, OnlyTheLastSixtyThreeRecordsAreKept) {
   ASSERT_NO_FATAL_FAILURE(graph.Connect());
   ASSERT_EQ(Query<IMediaFilter>(graph.builder.Get())->SetSyncSource(&clock), S_OK);
   ASSERT_HRESULT_SUCCEEDED(graph.media->Pause());
-  for (INT16 n = 1; n <= 100; ++n) ASSERT_EQ(graph.source->pin.Send({.bytes = Sound(static_cast<INT16>(n * 256))}), S_OK);
+  for (INT16 n = 1; n <= 100; ++n)
+    ASSERT_EQ(graph.source->pin.Send({.bytes = Sound(static_cast<INT16>(n * 256))}), S_OK);
   clock.now = 1;
   EXPECT_DOUBLE_EQ(InputLevel(*graph.control), 38 * 256 / 32768.0);
   clock.now = 100 * kSample;

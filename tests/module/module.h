@@ -22,9 +22,9 @@ inline bool operator==(const CompressorSettings& a, const CompressorSettings& b)
 }
 
 inline void PrintTo(const CompressorSettings& s, std::ostream* out) {
-  *out << s.input_gain_db << ' ' << s.output_gain_db << ' ' << s.threshold_db << ' ' << s.amount << ' ' << s.attack_time_ms << ' '
-       << s.release_time_ms << ' ' << s.auto_gain_compensation << ' ' << s.smooth_saturation << ' ' << s.reserved << ' '
-       << s.bypass;
+  *out << s.input_gain_db << ' ' << s.output_gain_db << ' ' << s.threshold_db << ' ' << s.amount << ' '
+       << s.attack_time_ms << ' ' << s.release_time_ms << ' ' << s.auto_gain_compensation << ' ' << s.smooth_saturation
+       << ' ' << s.reserved << ' ' << s.bypass;
 }
 
 namespace test {

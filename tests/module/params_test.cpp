@@ -107,11 +107,21 @@ TEST_F(ParamValueTest, AreRefusedOutsideTheRangeAndTellWhetherTheyChanged) {
     HRESULT result;
     float stored;  // afterwards
   } rows[] = {
-      {kThreshold, 5, E_INVALIDARG, 0},       {kThreshold, -40, S_OK, -40},           {kThreshold, -40, S_FALSE, -40},
-      {kThreshold, -60, S_OK, -60},           {kThreshold, -60.5f, E_INVALIDARG, -60}, {kThreshold, kNan, E_INVALIDARG, -60},
-      {kThreshold, -kInfinity, E_INVALIDARG, -60}, {3, 60, E_INVALIDARG, 1},           {3, 50, S_OK, 50},
-      {3, kInfinity, E_INVALIDARG, 50},       {5, 5000, S_OK, 5000},                  {8, 1, S_OK, 1},
-      {8, 2, E_INVALIDARG, 1},                {9, 0, E_INVALIDARG, 0},               {kAll, 0, E_INVALIDARG, 0},
+      {kThreshold, 5, E_INVALIDARG, 0},
+      {kThreshold, -40, S_OK, -40},
+      {kThreshold, -40, S_FALSE, -40},
+      {kThreshold, -60, S_OK, -60},
+      {kThreshold, -60.5f, E_INVALIDARG, -60},
+      {kThreshold, kNan, E_INVALIDARG, -60},
+      {kThreshold, -kInfinity, E_INVALIDARG, -60},
+      {3, 60, E_INVALIDARG, 1},
+      {3, 50, S_OK, 50},
+      {3, kInfinity, E_INVALIDARG, 50},
+      {5, 5000, S_OK, 5000},
+      {8, 1, S_OK, 1},
+      {8, 2, E_INVALIDARG, 1},
+      {9, 0, E_INVALIDARG, 0},
+      {kAll, 0, E_INVALIDARG, 0},
   };
   const auto values = NewCompressor<tervan::IMediaParams>();
   for (const auto& row : rows) {
@@ -181,7 +191,8 @@ TEST_F(EnvelopeTest, ChecksItsArguments) {
   EXPECT_EQ(values->FlushEnvelope(9, 0, 100), E_INVALIDARG);
   EXPECT_EQ(values->FlushEnvelope(kAll, 0, 100), S_OK);
   for (const float bad : {kNan, kInfinity, -kInfinity}) {
-    MP_ENVELOPE_SEGMENT segments[] = {good, {100, 200, bad, 0, MP_CURVE_LINEAR, 0}, {100, 200, 0, bad, MP_CURVE_JUMP, 0}};
+    MP_ENVELOPE_SEGMENT segments[] = {
+        good, {100, 200, bad, 0, MP_CURVE_LINEAR, 0}, {100, 200, 0, bad, MP_CURVE_JUMP, 0}};
     EXPECT_EQ(values->AddEnvelope(kThreshold, 2, segments), E_INVALIDARG);
     EXPECT_EQ(values->AddEnvelope(kThreshold, 1, segments + 2), E_INVALIDARG);
   }
@@ -193,10 +204,8 @@ TEST_F(EnvelopeTest, MovesTheValueAlongItsCurve) {
     MP_CURVE_TYPE curve;
     float expected[6];
   } rows[] = {
-      {MP_CURVE_JUMP, {0, -8, -8, -8, -8, -8}},
-      {MP_CURVE_LINEAR, {0, -8, -16, -24, -32, -32}},
-      {MP_CURVE_SQUARE, {0, -8, -10, -16, -26, -26}},
-      {MP_CURVE_INVSQUARE, {0, -8, -22, -32, -38, -38}},
+      {MP_CURVE_JUMP, {0, -8, -8, -8, -8, -8}},       {MP_CURVE_LINEAR, {0, -8, -16, -24, -32, -32}},
+      {MP_CURVE_SQUARE, {0, -8, -10, -16, -26, -26}}, {MP_CURVE_INVSQUARE, {0, -8, -22, -32, -38, -38}},
       {MP_CURVE_SINE, {0, -8, -8, -8, -8, -8}},
   };
   for (const auto& row : rows) {
@@ -284,7 +293,9 @@ class HostRecorder final : public IParamRecorder {
   STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(++references); }
   STDMETHODIMP_(ULONG) Release() override { return static_cast<ULONG>(--references); }
   STDMETHODIMP BeginEdit(DWORD* indices, DWORD count) override { return Note("B", indices, count, nullptr); }
-  STDMETHODIMP EditValue(DWORD* indices, DWORD count, float* values) override { return Note("V", indices, count, values); }
+  STDMETHODIMP EditValue(DWORD* indices, DWORD count, float* values) override {
+    return Note("V", indices, count, values);
+  }
   STDMETHODIMP EndEdit(DWORD* indices, DWORD count) override { return Note("E", indices, count, nullptr); }
   std::string Take() { return std::exchange(calls_, {}); }
 

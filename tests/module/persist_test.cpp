@@ -21,7 +21,8 @@ Bytes Record(std::uint32_t size_field, const GUID& tag, const CompressorSettings
   return record;
 }
 
-// Gives and takes bytes; call number `failing_call` (from 0) fails with `failure`. A read past the end comes short and succeeds.
+// Gives and takes bytes; call number `failing_call` (from 0) fails with `failure`. A read past the end comes short and
+// succeeds.
 class FakeStream final : public CountedFake<IStream> {
  public:
   explicit FakeStream(Bytes content = {}) : bytes(std::move(content)) {}
@@ -79,12 +80,12 @@ class PersistTest : public ModuleTest {
 TEST_F(PersistTest, AFreshFilterSavesTheseBytes) {
   FakeStream stream;
   ASSERT_EQ(persist->Save(&stream, TRUE), S_OK);
-  EXPECT_EQ(stream.bytes, (Bytes{60,   0,    0,    0,                                                       // size
-                                 0x9b, 0xf9, 0x00, 0xc4, 0x6e, 0x0c, 0x4c, 0x44,                            // tag
-                                 0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e,                            //
-                                 0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,       // 0 0 0
-                                 0,    0,    0x80, 0x3f, 0,    0,    0x70, 0x41, 0,    0,    0x7a, 0x43,    // 1 15 250
-                                 1,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0, 0, 0, 0}));
+  EXPECT_EQ(stream.bytes, (Bytes{60,   0,    0,    0,                                               // size
+                                 0x9b, 0xf9, 0x00, 0xc4, 0x6e, 0x0c, 0x4c, 0x44,                    // tag
+                                 0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e,                    //
+                                 0,    0,    0,    0,    0,    0,    0,    0,    0, 0, 0,    0,     // 0 0 0
+                                 0,    0,    0x80, 0x3f, 0,    0,    0x70, 0x41, 0, 0, 0x7a, 0x43,  // 1 15 250
+                                 1,    0,    0,    0,    0,    0,    0,    0,    0, 0, 0,    0,    0, 0, 0, 0}));
   ULARGE_INTEGER size;
   size.QuadPart = ~0ull;
   EXPECT_EQ(persist->GetSizeMax(&size), S_OK);

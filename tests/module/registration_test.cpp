@@ -31,8 +31,9 @@ std::vector<std::wstring> EnumeratedNames() {
   std::vector<std::wstring> names;
   ComPtr<ICreateDevEnum> devices;
   ComPtr<IEnumMoniker> monikers;
-  EXPECT_EQ(CoCreateInstance(CLSID_SystemDeviceEnum, nullptr, CLSCTX_INPROC_SERVER, IID_ICreateDevEnum, devices.PutVoid()),
-            S_OK);
+  EXPECT_EQ(
+      CoCreateInstance(CLSID_SystemDeviceEnum, nullptr, CLSCTX_INPROC_SERVER, IID_ICreateDevEnum, devices.PutVoid()),
+      S_OK);
   if (devices->CreateClassEnumerator(CLSID_LegacyAmFilterCategory, monikers.Put(), 0) != S_OK) return names;
   ComPtr<IMoniker> moniker;
   while (monikers->Next(1, moniker.Put(), nullptr) == S_OK) {
@@ -90,7 +91,8 @@ TEST_F(RegistrationTest, EntersServerAndFilterExactlyOnceHoweverOftenItIsDone) {
 TEST_F(RegistrationTest, RemovesSubkeysThatOthersAdded) {
   ASSERT_EQ(Register(), S_OK);
   HKEY key = nullptr;
-  ASSERT_EQ(RegCreateKeyW(HKEY_CLASSES_ROOT, (kClassKey + std::wstring(L"\\More\\Deeper\\Deepest")).c_str(), &key), ERROR_SUCCESS);
+  ASSERT_EQ(RegCreateKeyW(HKEY_CLASSES_ROOT, (kClassKey + std::wstring(L"\\More\\Deeper\\Deepest")).c_str(), &key),
+            ERROR_SUCCESS);
   RegCloseKey(key);
   ASSERT_EQ(Unregister(), S_OK);
   EXPECT_FALSE(KeyExists(kClassKey));
@@ -109,7 +111,8 @@ TEST_F(RegistrationTest, LetsOthersCreateTheFilter) {
 TEST_F(RegistrationTest, IsFoundByItsMeritAndMediaType) {
   ASSERT_EQ(Register(), S_OK);
   ComPtr<IFilterMapper2> mapper;
-  ASSERT_EQ(CoCreateInstance(CLSID_FilterMapper2, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterMapper2, mapper.PutVoid()), S_OK);
+  ASSERT_EQ(CoCreateInstance(CLSID_FilterMapper2, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterMapper2, mapper.PutVoid()),
+            S_OK);
   const struct {
     DWORD merit;
     GUID major_type;
@@ -121,8 +124,8 @@ TEST_F(RegistrationTest, IsFoundByItsMeritAndMediaType) {
     SCOPED_TRACE(&row - rows);
     const GUID type[] = {row.major_type, MEDIASUBTYPE_PCM};
     ComPtr<IEnumMoniker> monikers;
-    ASSERT_HRESULT_SUCCEEDED(mapper->EnumMatchingFilters(monikers.Put(), 0, FALSE, row.merit, TRUE, 1, type, nullptr, nullptr,
-                                                         FALSE, TRUE, 0, nullptr, nullptr, nullptr));
+    ASSERT_HRESULT_SUCCEEDED(mapper->EnumMatchingFilters(monikers.Put(), 0, FALSE, row.merit, TRUE, 1, type, nullptr,
+                                                         nullptr, FALSE, TRUE, 0, nullptr, nullptr, nullptr));
     bool found = false;
     ComPtr<IMoniker> moniker;
     while (monikers && monikers->Next(1, moniker.Put(), nullptr) == S_OK) {

@@ -102,8 +102,8 @@ TEST_F(SettingsTest, SettersClampButRecordsAreStoredAsGiven) {
   const struct {
     int parameter;
     float set, stored;
-  } rows[] = {{0, 26, 25},  {0, -61, -60}, {1, kInfinity, 25}, {1, -kInfinity, -60}, {2, 3, 0},     {2, -99, -60}, {3, 80, 50},
-              {3, 0.5f, 1}, {4, 501, 500}, {4, -1, 0},         {5, 5001, 5000},      {5, -0.1f, 0}};
+  } rows[] = {{0, 26, 25}, {0, -61, -60}, {1, kInfinity, 25}, {1, -kInfinity, -60}, {2, 3, 0},       {2, -99, -60},
+              {3, 80, 50}, {3, 0.5f, 1},  {4, 501, 500},      {4, -1, 0},           {5, 5001, 5000}, {5, -0.1f, 0}};
   for (const auto& row : rows) {
     SCOPED_TRACE(&row - rows);
     float value = 77;
@@ -206,8 +206,12 @@ TEST_F(PresetsTest, AreListedAndApplied) {
 
 TEST_F(PresetsTest, NamesAreCutToTheBufferAndAlwaysEnd) {
   const auto presets = NewCompressor<IPluginPresets>();
-  for (const auto& [length, expected] : std::vector<std::pair<LONG, std::wstring>>{
-           {-1, L"xxxxxxxxxxxxxxx"}, {0, L"xxxxxxxxxxxxxxx"}, {1, L""}, {2, L"S"}, {12, L"Soft Limite"}, {13, L"Soft Limiter"}}) {
+  for (const auto& [length, expected] : std::vector<std::pair<LONG, std::wstring>>{{-1, L"xxxxxxxxxxxxxxx"},
+                                                                                   {0, L"xxxxxxxxxxxxxxx"},
+                                                                                   {1, L""},
+                                                                                   {2, L"S"},
+                                                                                   {12, L"Soft Limite"},
+                                                                                   {13, L"Soft Limiter"}}) {
     WCHAR name[] = L"xxxxxxxxxxxxxxx";
     EXPECT_EQ(presets->GetPresetName(2, name, length), S_OK) << length;
     EXPECT_EQ(std::wstring(name), expected) << length;

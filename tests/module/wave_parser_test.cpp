@@ -73,15 +73,16 @@ class WaveParserTest : public ModuleTest {
     graph.emplace(Format{WAVE_FORMAT_PCM, 2, 44100, 16});
     graph->builder->RemoveFilter(graph->source);
     ComPtr<IBaseFilter> reader, parser;
-    EXPECT_EQ(CoCreateInstance(CLSID_AsyncReader, nullptr, CLSCTX_INPROC_SERVER, IID_IBaseFilter, reader.PutVoid()), S_OK);
+    EXPECT_EQ(CoCreateInstance(CLSID_AsyncReader, nullptr, CLSCTX_INPROC_SERVER, IID_IBaseFilter, reader.PutVoid()),
+              S_OK);
     if (FAILED(CoCreateInstance(kWaveParserClsid, nullptr, CLSCTX_INPROC_SERVER, IID_IBaseFilter, parser.PutVoid()))) {
       return "the platform's WAVE parser cannot be created";
     }
     EXPECT_EQ(graph->builder->AddFilter(reader.Get(), L"reader"), S_OK);
     EXPECT_EQ(graph->builder->AddFilter(parser.Get(), L"parser"), S_OK);
     EXPECT_EQ(Query<IFileSourceFilter>(reader.Get())->Load(file.path, nullptr), S_OK);
-    if (FAILED(graph->builder->ConnectDirect(FirstPin(*reader, PINDIR_OUTPUT).Get(), FirstPin(*parser, PINDIR_INPUT).Get(),
-                                             nullptr))) {
+    if (FAILED(graph->builder->ConnectDirect(FirstPin(*reader, PINDIR_OUTPUT).Get(),
+                                             FirstPin(*parser, PINDIR_INPUT).Get(), nullptr))) {
       return "the platform's WAVE parser does not read files here";
     }
     EXPECT_EQ(graph->builder->ConnectDirect(FirstPin(*parser, PINDIR_OUTPUT).Get(), graph->input.Get(), nullptr), S_OK);
@@ -91,7 +92,8 @@ class WaveParserTest : public ModuleTest {
     EXPECT_TRUE(seeking);
     return "";
   }
-  // Plays until the sink is told that the stream ends. (The graph's own completion event stays set from one run to the next.)
+  // Plays until the sink is told that the stream ends. (The graph's own completion event stays set from one run to the
+  // next.)
   void PlayToTheEnd() {
     SinkPin& sink = graph->sink->pin;
     sink.ended = false;
@@ -121,8 +123,8 @@ TEST_F(WaveParserTest, AFileIsCompressedFromAnyPositionToItsEnd) {
     SeekTo(start);
     ASSERT_NO_FATAL_FAILURE(PlayToTheEnd());
     const Bytes output = graph->sink->pin.All();
-    const std::size_t expected = file.samples.size() * static_cast<std::size_t>(10000000 - start) / 10000000;
-    EXPECT_NEAR(static_cast<double>(output.size()), static_cast<double>(expected), start == 0 ? 0 : 17640);
+    const double expected = static_cast<double>(file.samples.size()) * static_cast<double>(10000000 - start) / 1e7;
+    EXPECT_NEAR(static_cast<double>(output.size()), expected, start == 0 ? 0 : 17640);
     for (std::size_t i = output.size() / 4 * 2; i + 1 < output.size(); i += 2) {
       INT16 sample;
       std::memcpy(&sample, &output[i], 2);
@@ -136,7 +138,9 @@ TEST_F(WaveParserTest, AFileIsCompressedFromAnyPositionToItsEnd) {
 TEST_F(WaveParserTest, SeekingWhileRunningAndPausedEndsWell) {
   if (const std::string reason = Build(); !reason.empty()) GTEST_SKIP() << reason;
   for (int round = 0; round < 50; ++round) {
-    ASSERT_HRESULT_SUCCEEDED(round % 5 == 4 ? graph->media->Stop() : round % 2 ? graph->media->Pause() : graph->media->Run());
+    ASSERT_HRESULT_SUCCEEDED(round % 5 == 4 ? graph->media->Stop()
+                             : round % 2    ? graph->media->Pause()
+                                            : graph->media->Run());
     SeekTo(round * 199999);
   }
   graph->media->Stop();
