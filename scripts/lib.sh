@@ -59,9 +59,10 @@ install_packages() {
 configure_and_build() {
   local preset=$1 build=$root/build/$1
   shift
-  if [[ ! -f $build/build.ninja ]]; then
-    # A configuration that was cut short leaves a cache that later ones would trust.
-    rm -rf "$build"
+  # A configuration that was cut short leaves a cache that later ones would trust.
+  [[ -f $build/build.ninja ]] || rm -rf "$build"
+  # Ninja sees changed CMake files by itself, but not changed presets.
+  if [[ ! $build/build.ninja -nt $root/CMakePresets.json ]]; then
     (cd "$root" && cmake --preset "$preset") || return
   fi
   cmake --build "$build" --parallel "$(nproc)" ${1:+--target "$@"}
