@@ -39,7 +39,7 @@ FileHandle FileHandle::OpenForReading(const std::string& path) {
 
 FileHandle FileHandle::Create(const std::string& path, const std::string& shown_path) {
   const HANDLE handle =
-      CreateFileW(Wide(path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+      CreateFileW(Wide(path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle == INVALID_HANDLE_VALUE) Fail("write", shown_path);
   return {handle, shown_path};
 }

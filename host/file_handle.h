@@ -13,7 +13,7 @@ class FileHandle {
  public:
   FileHandle() = default;
   static FileHandle OpenForReading(const std::string& path);
-  // Fails when the file exists. Messages call it by the second name.
+  // Empties a file that exists. Messages call it by the second name.
   static FileHandle Create(const std::string& path, const std::string& shown_path);
 
   ~FileHandle() { Close(); }

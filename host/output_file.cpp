@@ -6,7 +6,8 @@
 namespace tervan::host {
 namespace {
 
-// Beside its place, so that moving it there is a renaming; one for every process.
+// Beside its place, so that moving it there is a renaming; one for every process. A process that was killed leaves it
+// behind, and the next one with its number takes it over.
 std::string TemporaryPath(const std::string& path) { return path + ".part" + std::to_string(GetCurrentProcessId()); }
 
 FileHandle CreateTemporary(const std::string& path, bool may_replace) {

@@ -1,6 +1,7 @@
 #include "host/param_info.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 #include "directshow/com_ptr.h"
@@ -69,8 +70,9 @@ std::optional<float> ParseAmount(const ParamDescription& param, std::string_view
   const auto number = ParseNumber(Trimmed(text));
   if (!number) return std::nullopt;
   const float value = static_cast<float>(*number);
-  if (param.type != MPT_FLOAT && value != static_cast<float>(static_cast<long long>(value))) return std::nullopt;
-  return value >= param.min && value <= param.max ? std::optional(value) : std::nullopt;
+  if (value < param.min || value > param.max) return std::nullopt;
+  if (param.type != MPT_FLOAT && value != std::trunc(value)) return std::nullopt;
+  return value;
 }
 
 }  // namespace

@@ -100,11 +100,10 @@ def test_an_existing_output_is_replaced_only_by_force(host):
     assert host.names() == ["in.wav", "out.wav"]
 
 
-@pytest.mark.parametrize("output", ["in.wav", "./in.wav", "../{name}/../FOLDER/in.wav", "{name}.wav", "linked.wav"])
+@pytest.mark.parametrize("output", ["in.wav", "./in.wav", "IN.WAV", "folder/../in.wav", "{name}.wav", "linked.wav"])
 def test_an_input_is_never_overwritten(host, output):
     host.write("in.wav", GOOD)
     (host.folder / "linked.wav").hardlink_to(host.folder / "in.wav")
-    output = output.replace("FOLDER", host.folder.name).replace("../{name}/", "")
     host.refuse(1, "render", "in.wav", output, "--force", *BYPASS)
     assert host.read("in.wav") == GOOD
     assert host.names() == ["in.wav", "linked.wav"]
@@ -211,7 +210,7 @@ RENDER = ("render", "in.wav", "out.wav")
         ([*RENDER, "--effect", "compressor:preset=9"], "Soft Limiter"),
         ([*RENDER, "--effect", "compressor:preset=-1"], '"-1"'),
         ([*RENDER, "--effect", "compressor:preset=Loud"], "Soft Limiter"),
-        ([*RENDER, "--effect", "compressor:preset=1"  "x"], '"1x"'),
+        ([*RENDER, "--effect", "compressor:preset=1x"], '"1x"'),
         ([*RENDER, "--effect", "compressor:ratio=2"], "Amount"),
         ([*RENDER, "--effect", "compressor:a=2"], "could be Amount, Attack Time or Auto Gain Compensation"),
         ([*RENDER, "--effect", "compressor:threshold=loud"], "-60 to 0 dB"),

@@ -65,7 +65,8 @@ def test_settings_on_the_command_line(host, settings, expected):
 
 def test_stored_settings_come_back(host):
     first = stored(host, "compressor:preset=7:threshold=-33.25")
-    host.render("in.wav", "out.wav", "--force", "--effect", "compressor:threshold=-1:save=again", "--load-state", "state")
+    again = ("--load-state", "state", "--effect", "compressor:threshold=-1:save=again")
+    host.render("in.wav", "out.wav", "--force", *again)
     assert host.read("again")[28:32] == struct.pack("<f", -1)  # what the command line says goes last
     host.render("in.wav", "out.wav", "--force", "--effect", "compressor:load=state:save=copy")
     assert host.read("copy") == host.read("state")
@@ -95,7 +96,8 @@ def test_both_paths_give_the_same_samples(host):
 
 @PATHS
 def test_automation_holds_from_start_to_end(host, path):
-    host.write("a.csv", b"parameter,start,end,from,to,curve\n\n# quieter for a while\nOutput Gain, 0.5, 1, -20, -20, jump\r\n")
+    heading = b"parameter,start,end,from,to,curve\n\n# quieter for a while\n"
+    host.write("a.csv", heading + b"Output Gain, 0.5, 1, -20, -20, jump\r\n")
     samples = wav.square(RATE, 0.1, channels=1)
     effect = ("--effect", f"compressor:{GAIN_ONLY}:output gain=0")
     heard = gains(host, samples, "--path", path, "--automation", "a.csv", *effect)

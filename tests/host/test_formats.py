@@ -16,7 +16,8 @@ def test_formats_of_the_effects_pass_unchanged(host, name, channels):
     host.write("in.wav", wav.wav(name, samples, channels, 48000))
     host.render("in.wav", "out.wav", *BYPASS)
     out = wav.parse(host.read("out.wav"))
-    assert (out.tag, out.channels, out.rate, out.bits) == (*wav.FORMATS[name][:1], channels, 48000, wav.FORMATS[name][1])
+    tag, bits, _ = wav.FORMATS[name]
+    assert (out.tag, out.channels, out.rate, out.bits) == (tag, channels, 48000, bits)
     assert out.data == wav.pack(name, samples)
     if name.startswith("float"):
         assert out.chunks == [b"fmt ", b"fact", b"data"]
