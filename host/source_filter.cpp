@@ -59,12 +59,12 @@ void SourcePin::Stream() noexcept {
     result = E_FAIL;
   }
   // A stop ends the delivery as well: nobody waits for the rest then.
-  const bool is_stopping = result == S_FALSE || result == VFW_E_WRONG_STATE || result == VFW_E_NOT_COMMITTED;
+  const bool is_stopping = result == VFW_E_WRONG_STATE || result == VFW_E_NOT_COMMITTED;
   if (FAILED(result) && !is_stopping) owner_.NotifyGraph(EC_ERRORABORT, result, 0);
   CoUninitialize();
 }
 
-// S_OK at the end of the file, S_FALSE when downstream wants no more, or a failure.
+// S_OK at the end of the stream, or a failure.
 HRESULT SourcePin::DeliverAll() {
   const size_t frame_bytes = input_.Format().FrameBytes();
   HRESULT result = DeliverNewSegment(0, TimeOf(input_.Frames()), 1.0);
@@ -86,7 +86,7 @@ HRESULT SourcePin::DeliverAll() {
     sample->SetPreroll(FALSE);
     position += frames;
     result = Deliver(sample.Get());
-    if (result != S_OK) break;
+    if (result == S_FALSE) return DeliverEndOfStream();  // downstream has enough
   }
   return result;
 }
