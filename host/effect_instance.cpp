@@ -150,11 +150,11 @@ std::vector<const EffectType*> AvailableEffects(const Module& module) {
   return available;
 }
 
-std::vector<EffectInstance> MakeChain(const Module& module, std::span<const EffectSpec> specs) {
+std::vector<EffectInstance> MakeChain(const Module& module, std::span<const EffectRequest> requests) {
   std::vector<EffectInstance> chain;
-  for (const EffectSpec& spec : specs) {
-    EffectInstance& effect = chain.emplace_back(module, FindEffect(module, spec.name));
-    for (const Setting& setting : spec.settings) effect.Apply(setting);
+  for (const EffectRequest& request : requests) {
+    EffectInstance& effect = chain.emplace_back(module, FindEffect(module, request.name));
+    for (const Setting& setting : request.settings) effect.Apply(setting);
   }
   return chain;
 }

@@ -15,7 +15,7 @@
 
 #include "directshow/com_ptr.h"
 #include "host/effect_catalog.h"
-#include "host/effect_spec.h"
+#include "host/effect_request.h"
 #include "host/module_loader.h"
 #include "host/param_info.h"
 
@@ -59,7 +59,7 @@ class EffectInstance {
 const EffectType& FindEffect(const Module& module, std::string_view name);
 std::vector<const EffectType*> AvailableEffects(const Module& module);
 
-// Effects with the settings of these specs.
-std::vector<EffectInstance> MakeChain(const Module& module, std::span<const EffectSpec> specs);
+// Effects with the settings of these requests.
+std::vector<EffectInstance> MakeChain(const Module& module, std::span<const EffectRequest> requests);
 
 }  // namespace tervan::host

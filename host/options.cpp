@@ -105,7 +105,7 @@ class Parser {
   void TakeRenderOption(const std::string& name) {
     render_option_ = name;
     if (name == "--effect") {
-      options_.effects.push_back(ParseEffectSpec(Value(name)));
+      options_.effects.push_back(ParseEffectRequest(Value(name)));
     } else if (name == "--path") {
       const std::string value = Value(name);
       if (value != "graph" && value != "direct") Fail("--path takes graph or direct, not " + Quoted(value));

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/effect_spec.h"
+#include "host/effect_request.h"
 
 namespace tervan::host {
 
@@ -21,7 +21,7 @@ struct Options {
 
   std::vector<std::string> inputs;
   std::string output;  // a pattern when there are several inputs
-  std::vector<EffectSpec> effects;
+  std::vector<EffectRequest> effects;
   RenderPath path = RenderPath::kGraph;
   std::string automation_path;  // empty: none
   bool force = false;

@@ -14,10 +14,10 @@ RATE = 44100
 GAIN_ONLY = "amount=1:threshold=-10:auto-gain=off:attack=0:release=0"
 
 
-def stored(host, spec):
+def stored(host, effect):
     """The settings record after this effect was set up so."""
     host.write("in.wav", wav.wav("float32", [0.0, 0.0]))
-    host.render("in.wav", "out.wav", "--force", "--save-state", "state", "--effect", spec)
+    host.render("in.wav", "out.wav", "--force", "--save-state", "state", "--effect", effect)
     content = host.read("state")
     assert len(content) == 60 and content[:4] == struct.pack("<I", 60)
     return struct.unpack("<6f4i", content[20:])

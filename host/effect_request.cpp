@@ -1,4 +1,4 @@
-#include "host/effect_spec.h"
+#include "host/effect_request.h"
 
 #include "host/failure.h"
 #include "host/text.h"
@@ -28,12 +28,12 @@ size_t ValueLength(std::string_view text) {
 
 }  // namespace
 
-EffectSpec ParseEffectSpec(std::string_view text) {
+EffectRequest ParseEffectRequest(std::string_view text) {
   const std::string shown = Quoted(text);
-  EffectSpec spec;
+  EffectRequest request;
   const size_t colon = std::min(text.find(':'), text.size());
-  spec.name = Trimmed(text.substr(0, colon));
-  if (spec.name.empty()) throw UsageError("the effect " + shown + " has no name");
+  request.name = Trimmed(text.substr(0, colon));
+  if (request.name.empty()) throw UsageError("the effect " + shown + " has no name");
   text.remove_prefix(colon);
   while (!text.empty()) {
     text.remove_prefix(1);  // the colon
@@ -56,9 +56,9 @@ EffectSpec ParseEffectSpec(std::string_view text) {
     }
     if (setting.value.empty()) throw UsageError("in the effect " + shown + ' ' + setting.key + " has no value");
     text.remove_prefix(value);
-    spec.settings.push_back(std::move(setting));
+    request.settings.push_back(std::move(setting));
   }
-  return spec;
+  return request;
 }
 
 }  // namespace tervan::host

@@ -22,12 +22,12 @@ struct Setting {
   std::string value;
 };
 
-struct EffectSpec {
+struct EffectRequest {
   std::string name;
   std::vector<Setting> settings;  // in the order in which they are applied
 };
 
 // Throws a UsageError.
-EffectSpec ParseEffectSpec(std::string_view text);
+EffectRequest ParseEffectRequest(std::string_view text);
 
 }  // namespace tervan::host
