@@ -2,7 +2,6 @@
 // checked as well.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
