@@ -12,31 +12,7 @@ namespace {
 // {in dB, out dB, threshold dB, amount, attack ms, release ms, auto gain, smooth, reserved, bypass}
 constexpr CompressorSettings kPlain{0, 0, -20, 4, 20, 300, 0, 0, 0, 0};
 
-double Db(double db) { return std::pow(10.0, db / 20.0); }
-
-// How much of a step remains after the time.
-double LeftAfter(double coefficient, double ms, double rate_hz) { return std::pow(coefficient, rate_hz * ms / 1000.0); }
-
-TEST(CompressorCoefficients, TimesCoverNineTenthsOfAStepAtEveryRate) {
-  for (const std::uint32_t rate_hz : {8000u, 44100u, 192000u}) {
-    SCOPED_TRACE(rate_hz);
-    const CompressorCoefficients c = DesignCompressor(kPlain, rate_hz);
-    EXPECT_NEAR(LeftAfter(c.attack, 20, rate_hz), 0.1, 1e-9);
-    EXPECT_NEAR(LeftAfter(c.release, 300, rate_hz), 0.1, 1e-9);
-    EXPECT_EQ(c.attack_complement, 1.0 - c.attack);
-    EXPECT_EQ(c.release_complement, 1.0 - c.release);
-  }
-}
-
-TEST(CompressorCoefficients, SmoothSaturationShortensBothTimesTenfold) {
-  CompressorSettings settings = kPlain;
-  settings.smooth_saturation = 1;
-  const CompressorCoefficients c = DesignCompressor(settings, 48000);
-  EXPECT_NEAR(LeftAfter(c.attack, 2, 48000), 0.1, 1e-9);
-  EXPECT_NEAR(LeftAfter(c.release, 30, 48000), 0.1, 1e-9);
-}
-
-TEST(CompressorCoefficients, TimesTooShortForAFrameAreSteps) {
+TEST(CompressorCoefficients, TimesAreWholeFramesForNineTenthsOfAStepOrSteps) {
   const struct {
     float attack_ms, release_ms;
     std::int32_t smooth;
@@ -52,7 +28,6 @@ TEST(CompressorCoefficients, TimesTooShortForAFrameAreSteps) {
       {10.9f, 10.9f, 0, 1000, 10, 10},     // whole frames, truncated
       {72.5f, 145, 0, 48000, 3480, 6960},  // 3479 and 6959 if the milliseconds became seconds first
       {-5, -5, 0, 44100, 0, 0},
-      {15, 250, 0, 0, 0, 0},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(testing::Message() << row.attack_ms << " ms at " << row.rate_hz);
@@ -66,52 +41,12 @@ TEST(CompressorCoefficients, TimesTooShortForAFrameAreSteps) {
   }
 }
 
-TEST(CompressorCoefficients, HighThresholdIsMadeByAttenuatingAndRestoring) {
-  CompressorSettings settings = kPlain;
-  settings.threshold_db = -1;
-  const CompressorCoefficients c = DesignCompressor(settings, 44100);
-  EXPECT_NEAR(c.in_gain, Db(-2), 1e-12);
-  EXPECT_NEAR(c.out_gain, Db(2), 1e-12);
-  EXPECT_NEAR(c.gain_below, 1.0, 1e-12);
-  EXPECT_NEAR(c.threshold_in, Db(-1), 1e-12);
-  EXPECT_EQ(c.meter_in_gain, 1.0);  // the page shows what the user set
-}
-
-TEST(CompressorCoefficients, EndsOfTheRangesHaveTheirOwnMeaning) {
-  CompressorSettings settings = kPlain;
-  settings.threshold_db = -60;
-  EXPECT_EQ(DesignCompressor(settings, 44100).threshold_in, 0.001);
-
-  settings = kPlain;
-  settings.output_gain_db = -60;
-  EXPECT_EQ(DesignCompressor(settings, 44100).gain_below, 0.0);
-
-  settings = kPlain;
-  settings.input_gain_db = -60;
-  settings.output_gain_db = 6;
-  const CompressorCoefficients silent = DesignCompressor(settings, 44100);
-  EXPECT_EQ(silent.in_gain, 1e-9);
-  EXPECT_EQ(silent.meter_in_gain, 0.0);
-  EXPECT_EQ(silent.out_gain, 0.0);
-  EXPECT_NEAR(silent.start_gain, Db(6), 1e-6);  // the fade starts where the gain would be
-
-  settings = kPlain;
-  settings.amount = kAmountInfinite;
-  const CompressorCoefficients limiter = DesignCompressor(settings, 44100);
-  EXPECT_EQ(limiter.offset, 0.0);
-  EXPECT_NEAR(limiter.numerator, Db(-20), 1e-12);
-}
-
 // The 0.05 of the gains is a single-precision number, that of the threshold is not.
 TEST(CompressorCoefficients, GainsTakeTheSinglePrecisionFactor) {
   CompressorSettings settings = kPlain;
   settings.input_gain_db = 20;
-  settings.output_gain_db = 20;
   const CompressorCoefficients c = DesignCompressor(settings, 44100);
   EXPECT_EQ(c.in_gain, std::pow(10.0, 20.0 * static_cast<double>(0.05f)));
-  EXPECT_GT(c.in_gain, 10.0000001);
-  EXPECT_EQ(c.meter_in_gain, c.in_gain);
-  EXPECT_EQ(c.out_gain, c.in_gain);
   EXPECT_NEAR(c.threshold_in * c.in_gain, 0.1, 1e-15);
 }
 
