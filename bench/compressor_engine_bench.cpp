@@ -63,7 +63,8 @@ void BM_Compressor(benchmark::State& state, Variant variant) {
   StreamFormat format{};
   format.nChannels = kChannels;
   format.nSamplesPerSec = 44100;
-  engine.Start(format);
+  engine.SetFormat(format);
+  engine.Start();
 
   std::vector<Sample> block(block_frames * kChannels);
   std::size_t at = 0;

@@ -112,7 +112,7 @@ STDMETHODIMP BaseFilter::FindPin(LPCWSTR id, IPin** out) {
   *out = nullptr;
   if (!id) return E_POINTER;
   for (int i = 0; i < PinCount(); ++i) {
-    if (lstrcmpW(PinAt(i)->Name(), id) != 0) continue;
+    if (lstrcmpW(PinAt(i)->Id(), id) != 0 && lstrcmpW(PinAt(i)->Name(), id) != 0) continue;
     *out = PinAt(i);
     (*out)->AddRef();
     return S_OK;

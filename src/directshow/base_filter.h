@@ -51,7 +51,7 @@ class BaseFilter : public Implements<ComObject, IBaseFilter, IAMovieSetup> {
 
   // IBaseFilter
   STDMETHODIMP EnumPins(IEnumPins** out) override;
-  // A pin's id is its name. VFW_E_NOT_FOUND.
+  // By id, or by name. VFW_E_NOT_FOUND.
   STDMETHODIMP FindPin(LPCWSTR id, IPin** out) override;
   STDMETHODIMP QueryFilterInfo(FILTER_INFO* info) override;
   // The graph is not referenced: it owns its filters, and tells them when it goes.

@@ -175,7 +175,7 @@ STDMETHODIMP BasePin::QueryDirection(PIN_DIRECTION* direction) {
   return S_OK;
 }
 
-STDMETHODIMP BasePin::QueryId(LPWSTR* id) { return CopyToTaskMemory(name_, id); }
+STDMETHODIMP BasePin::QueryId(LPWSTR* id) { return CopyToTaskMemory(Id(), id); }
 
 STDMETHODIMP BasePin::QueryAccept(const AM_MEDIA_TYPE* type) {
   if (!type) return E_POINTER;

@@ -60,6 +60,8 @@ class BasePin : public IPin, public IQualityControl {
   ComPtr<IPin> Peer() noexcept;
   IQualityControl* QualitySink() const noexcept { return quality_sink_.load(); }
   const wchar_t* Name() const noexcept { return name_; }
+  // What graphs store to find the pin again.
+  virtual const wchar_t* Id() const noexcept { return name_; }
   PIN_DIRECTION Direction() const noexcept { return direction_; }
 
   // Type `index` of those this pin prefers: S_OK, VFW_S_NO_MORE_ITEMS, or a failure. [any thread]

@@ -69,12 +69,6 @@ ComPtr<U> Query(IUnknown* object) noexcept {
   return result;
 }
 
-// Two pointers name the same object when their IUnknown is the same.
-inline bool IsSameObject(IUnknown* a, IUnknown* b) noexcept {
-  if (!a || !b) return a == b;
-  return Query<IUnknown>(a).Get() == Query<IUnknown>(b).Get();
-}
-
 struct CoTaskMemDeleter {
   void operator()(void* memory) const noexcept { CoTaskMemFree(memory); }
 };

@@ -15,7 +15,6 @@ class CriticalSection {
 
   void lock() noexcept { EnterCriticalSection(&section_); }
   void unlock() noexcept { LeaveCriticalSection(&section_); }
-  bool try_lock() noexcept { return TryEnterCriticalSection(&section_) != FALSE; }
 
  private:
   CRITICAL_SECTION section_;

@@ -17,9 +17,12 @@ namespace tervan::directshow {
 
 class InPlaceTransformFilter;
 
+// The ids of the two pins are "In" and "Out", whatever they are named: that is what graphs have stored of such filters.
 class InPlaceInputPin final : public InputPin {
  public:
   InPlaceInputPin(InPlaceTransformFilter& filter, const wchar_t* name) noexcept;
+
+  const wchar_t* Id() const noexcept override { return L"In"; }
 
   STDMETHODIMP EnumMediaTypes(IEnumMediaTypes** out) override;
   STDMETHODIMP GetAllocator(IMemAllocator** out) override;
@@ -48,6 +51,8 @@ class InPlaceInputPin final : public InputPin {
 class InPlaceOutputPin final : public OutputPin {
  public:
   InPlaceOutputPin(InPlaceTransformFilter& filter, const wchar_t* name) noexcept;
+
+  const wchar_t* Id() const noexcept override { return L"Out"; }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** out) override;
   STDMETHODIMP EnumMediaTypes(IEnumMediaTypes** out) override;

@@ -31,7 +31,7 @@ STDAPI DllCanUnloadNow() { return tervan::CanUnload() ? S_OK : S_FALSE; }
 STDAPI DllRegisterServer() { return tervan::RegisterModule(module_instance); }
 STDAPI DllUnregisterServer() { return tervan::UnregisterModule(); }
 
-// Hosts look it up by name. It does nothing.
+// Hosts look it up by name. It does nothing. The caller cleans the stack, as is usual for plain functions.
 void BuildPositionStringEx(char* /*buffer*/, const void* /*position_format*/, INT64 /*position*/, char* /*text*/,
                            UINT32 /*flags*/) {}
 

@@ -79,6 +79,8 @@ HRESULT WriteServerEntries(const wchar_t* module_path) {
 
 }  // namespace
 
+// Every class is entered both by the module's table and by its own object: an object may know of set-up that a table
+// does not, and one without IAMovieSetup is entered all the same. Entering twice leaves one entry.
 HRESULT RegisterModule(HINSTANCE module) {
   const directshow::ComScope com;
   wchar_t path[MAX_PATH];

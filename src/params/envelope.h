@@ -56,10 +56,11 @@ bool IsDisjoint(const SegmentList& list);
 // changes under the manager's edit lock as well, so that an editor may read it without holding up the stream.
 struct ParamState {
   SegmentList segments;
-  bool disjoint = true;         // IsDisjoint(segments)
-  std::size_t found_index = 0;  // the segment found last: the next search begins there,
-  std::size_t seen_index =
-      0;  // or, in a disjoint list, at the one looked at last, which is near even where nothing is found
+  bool disjoint = true;  // IsDisjoint(segments)
+  // The next search begins at the segment found last; in a disjoint list at the one looked at last, which is near even
+  // where nothing is found.
+  std::size_t found_index = 0;
+  std::size_t seen_index = 0;
   float value = 0.0f;
   double slope = 0.0;      // forward differences of the segment found last, per time-scale unit;
   double curvature = 0.0;  // both 0 tell a constant value from a moving one

@@ -11,6 +11,8 @@ namespace tervan {
 // Wide text as the media-parameter interfaces carry it: 16-bit units on every platform.
 inline constexpr std::size_t kParamTextLength = 32;
 
+inline constexpr std::size_t kMaxParams = 32;  // no table has more rows
+
 enum class ParamType : std::uint32_t { kInt = 0, kFloat = 1, kBool = 2, kEnum = 3 };
 
 // Bits of the supported curve shapes.

@@ -103,22 +103,6 @@ HRESULT ParamManager::FlushEnvelope(std::uint32_t index, std::int64_t start_100n
   return EditEnvelopes(index, [=](const SegmentList& stored) { return WithoutSpan(stored, start_100ns, end_100ns); });
 }
 
-HRESULT ParamManager::SetTimeFormat(const GUID& format, [[maybe_unused]] std::uint32_t time_data) {
-  if (format != kTimeReference) return E_FAIL;
-  const LockGuard guard(lock_);
-  time_format_ = format;
-  time_data_ = 0;  // reference times need none, whatever the host passes
-  return S_OK;
-}
-
-HRESULT ParamManager::GetCurrentTimeFormat(GUID* format, std::uint32_t* time_data) const {
-  if (!format || !time_data) return E_POINTER;
-  const LockGuard guard(lock_);
-  *format = time_format_;
-  *time_data = time_data_;
-  return S_OK;
-}
-
 void ParamManager::SetRecorder(std::shared_ptr<ParamRecorder> recorder) {
   {
     const LockGuard guard(lock_);

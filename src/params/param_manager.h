@@ -18,9 +18,9 @@
 
 namespace tervan {
 
+// The only time format that automation knows.
 inline constexpr GUID kTimeReference{0x93ad712b, 0xdaa0, 0x4ffe, {0xbc, 0x81, 0xb0, 0xce, 0x50, 0x0f, 0xcd, 0xd9}};
 inline constexpr std::uint32_t kAllParams = 0xFFFFFFFF;
-inline constexpr std::size_t kMaxParams = 32;              // no table has more rows
 inline constexpr std::int64_t kChunkLimit_100ns = 200000;  // 20 ms
 
 class ParamManager {
@@ -32,8 +32,7 @@ class ParamManager {
 
   std::span<const ParamDescriptor> table() const { return table_; }
 
-  // --- [any thread]
-  // ---------------------------------------------------------------------------------------------------------------
+  // What hosts ask and set. [any thread]
 
   // S_OK; E_POINTER; E_INVALIDARG for an index without a row.
   HRESULT GetParam(std::uint32_t index, float* value) const;
@@ -47,15 +46,10 @@ class ParamManager {
   HRESULT AddEnvelope(std::uint32_t index, std::uint32_t count, const SegmentData* segments);
   HRESULT FlushEnvelope(std::uint32_t index, std::int64_t start_100ns, std::int64_t end_100ns);
 
-  // Only the reference-time format exists: E_FAIL for any other.
-  HRESULT SetTimeFormat(const GUID& format, std::uint32_t time_data);
-  HRESULT GetCurrentTimeFormat(GUID* format, std::uint32_t* time_data) const;
-
   // Null: edits go unreported. The recorder is called without any lock held, by the thread that edits.
   void SetRecorder(std::shared_ptr<ParamRecorder> recorder);
 
-  // --- Control values [page, host]: index is a row, control is not range-checked
-  // ------------------------------------------------------
+  // Control values: index is a row, control is not range-checked. [page, host]
 
   std::int32_t GetInteger(std::uint32_t index) const;
   float GetFloat(std::uint32_t index) const;
@@ -73,8 +67,7 @@ class ParamManager {
   void ExportSettings(void* record) const;
   void ImportSettings(const void* record);
 
-  // --- [stream]
-  // -----------------------------------------------------------------------------------------------------------------------
+  // What the processing loop needs. [stream]
 
   void SetStreaming(bool streaming);
   void SetSampleRate(std::uint32_t sample_rate_hz);  // 0: time stands still
@@ -118,8 +111,6 @@ class ParamManager {
   mutable Lock lock_;       // guards all below
   std::vector<ParamState> states_;
   std::shared_ptr<ParamRecorder> recorder_;
-  GUID time_format_ = kTimeReference;
-  std::uint32_t time_data_ = 0;
   bool streaming_ = false;
   Block block_;
   std::int64_t clock_100ns_ = 0;

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 
 #include "params/param_manager.h"
 #include "shell/control_state.h"
@@ -47,8 +46,12 @@ class Effect {
   virtual void GetRecord(void* record) = 0;
   virtual HRESULT SetRecord(const void* record) = 0;
 
+  // The format of all frames from now on; before the start, and in the stream when the format changes there. An engine
+  // that was designed for another one asks for new settings.
+  virtual void SetFormat(const StreamFormat& format) = 0;
+
   // Resets the engine and pushes all settings. A failure keeps the stream from starting.
-  virtual HRESULT Start(const StreamFormat& format) = 0;
+  virtual HRESULT Start() = 0;
   virtual HRESULT Stop() = 0;
 
   // False: the chunk passes unchanged and no settings are fetched for it.

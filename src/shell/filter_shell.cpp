@@ -1,5 +1,6 @@
 #include "shell/filter_shell.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "directshow/com_ptr.h"
@@ -65,25 +66,21 @@ HRESULT FilterShell::CheckInputType(const AM_MEDIA_TYPE& type) {
 }
 
 HRESULT FilterShell::SetMediaType(PIN_DIRECTION direction, const AM_MEDIA_TYPE& type) {
-  // A change of format within the stream starts the engine anew: its coefficients belong to a rate. The output's
-  // follows the input's.
-  const bool restart = is_streaming_ && direction == PINDIR_INPUT;
-  if (restart) processor_.StopStreaming();
   processor_.SetFormat(NormalisedFormat(type.pbFormat));
   effect_->control().Notify(direction == PINDIR_INPUT ? kInputFormatSet : kOutputFormatSet);
-  return restart ? processor_.StartStreaming() : S_OK;
+  return S_OK;
 }
 
 HRESULT FilterShell::StartStreaming() {
-  const HRESULT result = processor_.StartStreaming();
-  is_streaming_ = SUCCEEDED(result);
-  return result;
+  // Direct processing may have left its own format.
+  directshow::MediaType type;
+  const HRESULT connected = Input().GetConnectionType(&type);
+  if (FAILED(connected)) return connected;
+  processor_.SetFormat(NormalisedFormat(type->pbFormat));
+  return processor_.StartStreaming();
 }
 
-HRESULT FilterShell::StopStreaming() {
-  is_streaming_ = false;
-  return processor_.StopStreaming();
-}
+HRESULT FilterShell::StopStreaming() { return processor_.StopStreaming(); }
 
 HRESULT FilterShell::Transform(IMediaSample& sample) {
   processor_.AdvanceStreamTime(NonNegative(sample.GetActualDataLength()));
@@ -97,9 +94,10 @@ HRESULT FilterShell::Transform(IMediaSample& sample) {
 HRESULT FilterShell::ProcessSample(IMediaSample& sample) {
   BYTE* data = nullptr;
   if (FAILED(sample.GetPointer(&data)) || !data) return E_POINTER;
+  const std::uint32_t size_bytes = NonNegative(sample.GetSize());
   SampleView view{.data = data,
-                  .length_bytes = NonNegative(sample.GetActualDataLength()),
-                  .size_bytes = NonNegative(sample.GetSize()),
+                  .length_bytes = std::min(NonNegative(sample.GetActualDataLength()), size_bytes),
+                  .size_bytes = size_bytes,
                   .discontinuity = sample.IsDiscontinuity() == S_OK};
   const HRESULT result = processor_.Transform(view);
   sample.SetActualDataLength(static_cast<long>(view.length_bytes));

@@ -87,7 +87,6 @@ class FilterShell : public directshow::Implements<directshow::InPlaceTransformFi
 
   const std::unique_ptr<Effect> effect_;
   StreamProcessor processor_{*effect_};
-  bool is_streaming_ = false;  // guarded by the streaming lock
 };
 
 }  // namespace tervan

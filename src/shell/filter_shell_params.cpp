@@ -51,9 +51,7 @@ HRESULT FilterShell::FlushEnvelope(DWORD index, REFERENCE_TIME start, REFERENCE_
   return effect_->params()->FlushEnvelope(index, start, end);
 }
 
-HRESULT FilterShell::SetTimeFormat(GUID format, MP_TIMEDATA time_data) {
-  return effect_->params()->SetTimeFormat(format, time_data);
-}
+HRESULT FilterShell::SetTimeFormat(GUID format, MP_TIMEDATA) { return format == kTimeReference ? S_OK : E_FAIL; }
 
 HRESULT FilterShell::GetParamCount(DWORD* count) {
   if (!count) return E_POINTER;
@@ -100,10 +98,10 @@ HRESULT FilterShell::GetSupportedTimeFormat(DWORD index, GUID* format) {
 }
 
 HRESULT FilterShell::GetCurrentTimeFormat(GUID* format, MP_TIMEDATA* time_data) {
-  std::uint32_t data = 0;
-  const HRESULT result = effect_->params()->GetCurrentTimeFormat(format, time_data ? &data : nullptr);
-  if (SUCCEEDED(result)) *time_data = data;
-  return result;
+  if (!format || !time_data) return E_POINTER;
+  *format = kTimeReference;
+  *time_data = 0;  // reference times need none, whatever the host has set
+  return S_OK;
 }
 
 HRESULT FilterShell::SetRecorder(IParamRecorder* recorder) {

@@ -16,21 +16,26 @@ std::uint32_t FramesOf(std::uint32_t bytes, const StreamFormat& format) {
 void StreamProcessor::SetFormat(const StreamFormat& format) {
   format_ = format;
   effect_.control().SetFormat(format);
+  effect_.SetFormat(format);
+  if (params_) params_->SetSampleRate(format.nSamplesPerSec);
 }
 
 HRESULT StreamProcessor::StartStreaming() {
-  if (params_) {
-    params_->SetStreaming(true);
-    params_->SetSampleRate(format_.nSamplesPerSec);
-  }
+  SetStreaming(true);
   data_received_ = draining_ = false;
   unpushed_changes_ = 0;  // the start pushes everything
-  return effect_.Start(format_);
+  const HRESULT result = effect_.Start();
+  if (FAILED(result)) SetStreaming(false);
+  return result;
 }
 
 HRESULT StreamProcessor::StopStreaming() {
-  if (params_) params_->SetStreaming(false);
+  SetStreaming(false);
   return effect_.Stop();
+}
+
+void StreamProcessor::SetStreaming(bool streaming) {
+  if (params_) params_->SetStreaming(streaming);
 }
 
 void StreamProcessor::SetBlock(ParamManager::Block block) {
@@ -144,7 +149,6 @@ HRESULT StreamProcessor::GetTail(float* data, std::uint32_t* frames) {
     *frames = 0;
     return S_FALSE;
   }
-  if (!data) return E_POINTER;
   return effect_.Process(SampleFormat::kFloat32, ProcessMode::kDrain, data, frames, false);
 }
 

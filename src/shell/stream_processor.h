@@ -44,8 +44,7 @@ class StreamProcessor {
   void BeginDrain() { draining_ = true; }
   void EndDrain() { draining_ = data_received_ = false; }
 
-  // --- Direct processing of interleaved 32-bit floats
-  // ----------------------------------------------------------------------------------
+  // Direct processing of interleaved 32-bit floats.
 
   // channels 1 or 2, else E_INVALIDARG; else as StartStreaming.
   HRESULT BeginStream(std::uint32_t channels, std::uint32_t sample_rate_hz);
@@ -63,6 +62,7 @@ class StreamProcessor {
   HRESULT Refresh(bool reset);
 
  private:
+  void SetStreaming(bool streaming);
   HRESULT TransformChunks(SampleView& sample, ProcessMode mode);
   HRESULT TransformWhole(SampleView& sample, ProcessMode mode);
   HRESULT ProcessChunks(float* data, std::uint32_t frames, bool stop);

@@ -23,9 +23,13 @@ CompressorEffect::~CompressorEffect() {
   control_.ResetMeters();
 }
 
-HRESULT CompressorEffect::Start(const StreamFormat& format) {
+void CompressorEffect::SetFormat(const StreamFormat& format) {
   sample_rate_hz_ = format.nSamplesPerSec;
-  engine_.Start(format);
+  engine_.SetFormat(format);
+}
+
+HRESULT CompressorEffect::Start() {
+  engine_.Start();
   control_.Notify(compressor::kStreamingStarted);
   control_.Notify(compressor::kMetersReset);
   try {

@@ -24,7 +24,8 @@ class CompressorEffect final : public Effect {
   HRESULT SetRecord(const void* record) override {
     return control_.SetSettings(static_cast<const CompressorSettings*>(record));
   }
-  HRESULT Start(const StreamFormat& format) override;
+  void SetFormat(const StreamFormat& format) override;
+  HRESULT Start() override;
   HRESULT Stop() override;
   bool FetchSettings() override { return control_.SnapshotSettings(&fetched_); }
   bool NeedsSettings() const override { return !engine_.loaded(); }

@@ -15,9 +15,9 @@ constexpr double kGainLimit = 1e6;
 
 }  // namespace
 
-void CompressorEngine::Start(const StreamFormat& format) {
+void CompressorEngine::SetFormat(const StreamFormat& format) {
+  if (format.nSamplesPerSec != format_.nSamplesPerSec) loaded_ = false;
   format_ = format;
-  LoadSnapshot(ProcessMode::kDiscontinuity, true);
 }
 
 void CompressorEngine::LoadParameters(const CompressorSettings& settings, ProcessMode keep_state) {

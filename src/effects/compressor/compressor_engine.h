@@ -30,8 +30,11 @@ class CompressorEngine {
  public:
   explicit CompressorEngine(CompressorEngineOwner& owner) : owner_(owner) {}
 
-  // Takes the format and loads the settings with a reset.
-  void Start(const StreamFormat& format);
+  // Another rate than before asks for new settings.
+  void SetFormat(const StreamFormat& format);
+
+  // Loads the settings with a reset.
+  void Start() { LoadSnapshot(ProcessMode::kDiscontinuity, true); }
 
   bool loaded() const { return loaded_; }
 

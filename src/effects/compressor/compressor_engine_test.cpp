@@ -47,6 +47,14 @@ double SettledGain(const CompressorSettings& settings, double level) {
   return std::fabs(Compressed(settings, Square<double>(level, 200000), 1).back()) / level;
 }
 
+void ExpectMeters(const CompressorMeters& actual, const CompressorMeters& expected, double tolerance) {
+  EXPECT_NEAR(actual.input_left, expected.input_left, tolerance);
+  EXPECT_NEAR(actual.input_right, expected.input_right, tolerance);
+  EXPECT_NEAR(actual.output_left, expected.output_left, tolerance);
+  EXPECT_NEAR(actual.output_right, expected.output_right, tolerance);
+  EXPECT_NEAR(actual.reduction, expected.reduction, tolerance);
+}
+
 template <typename Sample>
 struct CompressorFormat : ::testing::Test {};
 using Formats = ::testing::Types<std::uint8_t, std::int16_t, std::int32_t, float, double>;
@@ -60,7 +68,8 @@ void ExpectEqualsModel(const CompressorSettings& first, const CompressorSettings
   owner.settings = first;
   owner.watched = true;
   CompressorEngine engine(owner);
-  engine.Start(FormatOf(channels, rate_hz));
+  engine.SetFormat(FormatOf(channels, rate_hz));
+  engine.Start();
   CompressorModel model(rate_hz, channels);
   model.Load(first, false);
 
@@ -83,14 +92,7 @@ void ExpectEqualsModel(const CompressorSettings& first, const CompressorSettings
   }
   EXPECT_TRUE(SameBits(actual, expected));
   ASSERT_EQ(owner.published.size(), meters.size());
-  for (std::size_t i = 0; i < meters.size(); ++i) {
-    SCOPED_TRACE("record " + std::to_string(i));
-    EXPECT_EQ(owner.published[i].input_left, meters[i].input_left);
-    EXPECT_EQ(owner.published[i].input_right, meters[i].input_right);
-    EXPECT_EQ(owner.published[i].output_left, meters[i].output_left);
-    EXPECT_EQ(owner.published[i].output_right, meters[i].output_right);
-    EXPECT_EQ(owner.published[i].reduction, meters[i].reduction);
-  }
+  for (std::size_t i = 0; i < meters.size(); ++i) ExpectMeters(owner.published[i], meters[i], 0.0);
 }
 
 TYPED_TEST(CompressorFormat, SamplesAndMetersEqualTheModelInEveryBit) {
@@ -113,7 +115,8 @@ TYPED_TEST(CompressorFormat, BlockLengthDoesNotMatter) {
         owner.settings = settings;
         owner.watched = watched;
         CompressorEngine engine(owner);
-        engine.Start(FormatOf(channels, 44100));
+        engine.SetFormat(FormatOf(channels, 44100));
+        engine.Start();
         std::vector<TypeParam> whole = input;
         const std::uint32_t all_frames[] = {5000};
         RunAll(engine, whole, channels, all_frames);
@@ -128,7 +131,8 @@ TYPED_TEST(CompressorFormat, DrainTouchesNeitherBufferNorState) {
   FakeOwner owner;
   owner.settings = kHeavy;
   CompressorEngine engine(owner);
-  engine.Start(FormatOf(2, 44100));
+  engine.SetFormat(FormatOf(2, 44100));
+  engine.Start();
   std::vector<TypeParam> head(input.begin(), input.begin() + 2000);
   std::vector<TypeParam> tail(input.begin() + 2000, input.end());
   RunAll(engine, head, 2);
@@ -147,27 +151,14 @@ TYPED_TEST(CompressorFormat, DrainTouchesNeitherBufferNorState) {
   EXPECT_TRUE(SameBits(head, Compressed(kHeavy, input, 2)));
 }
 
-TYPED_TEST(CompressorFormat, IntegersSaturateInsteadOfWrapping) {
-  if constexpr (std::is_integral_v<TypeParam>) {
-    CompressorSettings loud = kHeavy;
-    loud.output_gain_db = 25;
-    const auto input = SamplesOf<TypeParam>(Programme(5000, 2, 700, 4));
-    const auto output = Compressed(loud, input, 2);
-    for (std::size_t i = 0; i < input.size(); ++i) {
-      ASSERT_GE(ToReal(input[i]) * ToReal(output[i]), 0.0) << "sign changed at " << i;
-    }
-    EXPECT_EQ(*std::max_element(output.begin(), output.end()), std::numeric_limits<TypeParam>::max());
-    EXPECT_EQ(*std::min_element(output.begin(), output.end()), std::numeric_limits<TypeParam>::min());
-  }
-}
-
 // All but 32-bit floats look for changes themselves; for those the processing loop does.
 TYPED_TEST(CompressorFormat, TakesWaitingSettingsAndResetsOnADiscontinuity) {
   constexpr bool kLooksItself = !std::is_same_v<TypeParam, float>;
   for (const ProcessMode mode : {ProcessMode::kContinuous, ProcessMode::kDiscontinuity}) {
     FakeOwner owner;
     CompressorEngine engine(owner);
-    engine.Start(FormatOf(2, 44100));
+    engine.SetFormat(FormatOf(2, 44100));
+    engine.Start();
     CompressorModel model(44100, 2, !kLooksItself);
     model.Load(owner.settings, false);
     owner.settings = kHeavySmooth;
@@ -183,60 +174,34 @@ TYPED_TEST(CompressorFormat, TakesWaitingSettingsAndResetsOnADiscontinuity) {
   }
 }
 
-TEST(CompressorEngine, UnwatchedStereoFloatFollowsTheSinglePrecisionModelAndStaysByTheDoubleOne) {
+// Stereo takes level and hold in single precision, mono does not.
+TEST(CompressorEngine, UnwatchedFloatFollowsItsModelAndStaysByTheDoubleOne) {
+  std::size_t channels = 1;
   for (const CompressorSettings& settings : ManySettings()) {
-    SCOPED_TRACE(Text(settings));
-    const std::vector<float> input = SamplesOf<float>(Programme(4000, 2, 700, 0));
-    std::vector<float> single = input;
+    channels = 3 - channels;
+    SCOPED_TRACE(Text(settings) + ", channels: " + std::to_string(channels));
+    const std::vector<float> input = SamplesOf<float>(Programme(4000, channels, 700, 0));
+    std::vector<float> expected = input;
     std::vector<float> precise = input;
-    CompressorModel single_model(44100, 2, true);
-    CompressorModel precise_model(44100, 2, false);
-    single_model.Load(settings, false);
+    CompressorModel model(44100, channels, channels == 2);
+    CompressorModel precise_model(44100, channels);
+    model.Load(settings, false);
     precise_model.Load(settings, false);
-    single_model.Process(single.data(), 4000);
+    model.Process(expected.data(), 4000);
     precise_model.Process(precise.data(), 4000);
-    const std::vector<float> output = Compressed(settings, input, 2);
-    ASSERT_TRUE(SameBits(output, single));
+    const std::vector<float> output = Compressed(settings, input, channels);
+    ASSERT_TRUE(SameBits(output, expected));
     for (std::size_t i = 0; i < output.size(); ++i) {
       ASSERT_NEAR(output[i], precise[i], 1e-4f * std::fabs(precise[i])) << i;
     }
   }
 }
 
-TEST(CompressorEngine, UnwatchedMonoFloatKeepsDoublePrecisionAndPublishesNothing) {
-  FakeOwner owner;
-  owner.settings = kHeavy;
-  CompressorEngine engine(owner);
-  engine.Start(FormatOf(1, 44100));
-  std::vector<float> actual = SamplesOf<float>(Programme(4000, 1, 700, 0));
-  std::vector<float> expected = actual;
-  RunAll(engine, actual, 1);
-  CompressorModel model(44100, 1);
-  model.Load(kHeavy, false);
-  model.Process(expected.data(), 4000);
-  EXPECT_TRUE(SameBits(actual, expected));
-  EXPECT_TRUE(owner.published.empty());
-}
-
-TEST(CompressorEngine, AtUnityFloatsStayAsTheyAreAndThePageSeesTheirLevels) {
+TEST(CompressorEngine, AtUnityFloatsStayAsTheyAre) {
   const std::vector<float> input = {0.25f, -0.5f, -0.0f, 1e-40f, std::numeric_limits<float>::quiet_NaN(), 0.125f};
-  const CompressorSettings unity = compressor::kPresets[0].settings;
-  for (const bool watched : {false, true}) EXPECT_TRUE(SameBits(Compressed(unity, input, 2, 44100, watched), input));
-
-  FakeOwner owner;
-  owner.watched = true;
-  CompressorEngine engine(owner);
-  engine.Start(FormatOf(2, 44100));
-  std::vector<float> data = input;
-  std::uint32_t frames = 3;
-  engine.ProcessFloat32(ProcessMode::kContinuous, data.data(), &frames, false);
-  ASSERT_EQ(owner.published.size(), 1u);
-  const CompressorMeters& meters = owner.published[0];
-  EXPECT_EQ(meters.input_left, 0.25);
-  EXPECT_EQ(meters.input_right, 0.5);
-  EXPECT_EQ(meters.output_left, 0.25);
-  EXPECT_EQ(meters.output_right, 0.5);
-  EXPECT_EQ(meters.reduction, 1.0);
+  for (const bool watched : {false, true}) {
+    EXPECT_TRUE(SameBits(Compressed(compressor::kPresets[0].settings, input, 2, 44100, watched), input));
+  }
 }
 
 TEST(CompressorEngine, UnitySettingsLeave16BitSamplesExactlyAsTheyAreOnceTheGainHasSettled) {
@@ -271,12 +236,9 @@ TEST(CompressorEngine, SteadySquareWavesSettleAtTheGainsThatTheirSettingsPromise
     double gain_db;
   } kRows[] = {
       {"make-up 0.7 x 0.75 x 20 over 15 dB of compression", {0, 0, -20, 4, 15, 250, 1, 0, 0, 0}, 0, 10.5 - 15},
-      {"hard limiter", {0, 0, -6, 50, 0, 250, 0, 0, 0, 0}, 0, -6},
       {"hard limiter with make-up", {0, 0, -6, 50, 0, 250, 1, 0, 0, 0}, 0, -6 + 0.7 * 6},
-      {"hard limiter, half way", {0, 0, -12, 50, 0, 250, 0, 0, 0, 0}, -6, -6},
       {"output gain behind the limiter", {0, 4, -6, 50, 0, 250, 0, 0, 0, 0}, 0, -2},
       {"input gain into the limiter", {10, 0, -6, 50, 0, 250, 0, 0, 0, 0}, -10, -6 + 10},
-      {"input gain below the threshold", {10, 0, -6, 50, 0, 250, 0, 0, 0, 0}, -20, 10},
       {"a threshold above -3 dB: below it", {0, 0, -1, 8, 15, 250, 0, 0, 0, 0}, -1.01, 0},
       {"a threshold above -3 dB: limiting at it", {0, 0, -1, 50, 15, 250, 0, 0, 0, 0}, 0, -1},
       {"the low-pass passes a steady gain", {0, 0, -6, 50, 0, 250, 0, 1, 0, 0}, 0, -6},
@@ -328,55 +290,27 @@ TEST(CompressorEngine, SteadySineAboveTheThresholdSettlesToANearlyConstantGain) 
   }
 }
 
-TEST(CompressorEngine, LoudChannelSetsTheGainOfBoth) {
-  std::vector<double> data;
-  for (int i = 0; i < 20000; ++i) data.insert(data.end(), {0.001, 1.0});
-  const std::vector<double> output = Compressed({0, 0, -6, 50, 0, 250, 0, 0, 0, 0}, data, 2);
-  EXPECT_NEAR(output[output.size() - 2], 0.001 * Db(-6), 1e-12);
-  EXPECT_NEAR(output.back(), Db(-6), 1e-9);
-}
-
-TEST(CompressorEngine, SilentInputGainFadesToSilenceWithTheAttack) {
-  const CompressorSettings settings{-60, 0, -20, 4, 10, 250, 0, 0, 0, 0};
-  const std::vector<double> output = Compressed(settings, std::vector<double>(4410, 0.5), 1);
-  EXPECT_NEAR(output[440], 0.5 * 0.1, 0.5 * 0.001);    // 90 % in 10 ms
-  EXPECT_NEAR(output[881], 0.5 * 0.01, 0.5 * 0.0001);  // and of what is left in the next
-  EXPECT_LT(output.back(), 1e-9);
-}
-
-TEST(CompressorEngine, MetersDivideGainsOutAndKnowMonoBypassAndSilence) {
+TEST(CompressorEngine, MetersDivideGainsOutAndKnowSilence) {
   const struct {
-    const char* what;
     CompressorSettings settings;
-    std::size_t channels;
     CompressorMeters expected;
   } kRows[] = {
-      {"limiter", {0, 0, -6, 50, 0, 250, 0, 0, 0, 0}, 2, {1, 0.5, Db(-6), 0.5 * Db(-6), Db(-6)}},
-      {"make-up and gains",
-       {2, 3, -6, 50, 0, 250, 1, 0, 0, 0},
-       2,
-       {Db(2), 0.5 * Db(2), Db(-6 + 4.2 + 3), 0.5 * Db(-6 + 4.2 + 3), Db(-8)}},
-      {"threshold above -3 dB", {0, 0, -1, 50, 0, 250, 0, 0, 0, 0}, 2, {1, 0.5, Db(-1), 0.5 * Db(-1), Db(-1)}},
-      {"mono", {0, 0, -6, 50, 0, 250, 0, 0, 0, 0}, 1, {1, 1, Db(-6), Db(-6), Db(-6)}},
-      {"bypass", {6, 6, -6, 50, 0, 250, 1, 0, 0, 1}, 2, {Db(6), 0.5 * Db(6), 1, 0.5, 1}},
-      {"no output", {0, -60, -6, 50, 0, 250, 0, 0, 0, 0}, 2, {1, 0.5, 0, 0, 1}},
-      {"no input", {-60, 0, -6, 50, 0, 250, 0, 0, 0, 0}, 2, {0, 0, 0, 0, 1}},
+      {{2, 3, -6, 50, 0, 250, 1, 0, 0, 0}, {Db(2), 0.5 * Db(2), Db(-6 + 4.2 + 3), 0.5 * Db(-6 + 4.2 + 3), Db(-8)}},
+      {{0, 0, -1, 50, 0, 250, 0, 0, 0, 0}, {1, 0.5, Db(-1), 0.5 * Db(-1), Db(-1)}},
+      {{6, 6, -6, 50, 0, 250, 1, 0, 0, 1}, {Db(6), 0.5 * Db(6), 1, 0.5, 1}},
+      {{-60, 0, -6, 50, 0, 250, 0, 0, 0, 0}, {0, 0, 0, 0, 1}},
   };
   for (const auto& row : kRows) {
-    SCOPED_TRACE(row.what);
+    SCOPED_TRACE(Text(row.settings));
     FakeOwner owner;
     owner.settings = row.settings;
     CompressorEngine engine(owner);
-    engine.Start(FormatOf(row.channels, 44100));
-    std::vector<double> data(40000 * row.channels);
-    for (std::size_t i = 0; i < data.size(); ++i) data[i] = i % row.channels == 0 ? 1.0 : -0.5;
-    RunAll(engine, data, row.channels);
-    const CompressorMeters& meters = owner.published.back();
-    EXPECT_NEAR(meters.input_left, row.expected.input_left, 1e-6);
-    EXPECT_NEAR(meters.input_right, row.expected.input_right, 1e-6);
-    EXPECT_NEAR(meters.output_left, row.expected.output_left, 1e-6);
-    EXPECT_NEAR(meters.output_right, row.expected.output_right, 1e-6);
-    EXPECT_NEAR(meters.reduction, row.expected.reduction, 1e-6);
+    engine.SetFormat(FormatOf(2, 44100));
+    engine.Start();
+    std::vector<double> data(80000);
+    for (std::size_t i = 0; i < data.size(); ++i) data[i] = i % 2 == 0 ? 1.0 : -0.5;
+    RunAll(engine, data, 2);
+    ExpectMeters(owner.published.back(), row.expected, 1e-6);
   }
 }
 
@@ -386,7 +320,8 @@ TEST(CompressorEngine, PageThatComesAndGoesDoesNotMoveTheGain) {
     FakeOwner owner;
     owner.settings = settings;
     CompressorEngine engine(owner);
-    engine.Start(FormatOf(2, 44100));
+    engine.SetFormat(FormatOf(2, 44100));
+    engine.Start();
     std::vector<float> data = input;
     for (std::size_t at = 0; at < data.size(); at += 1000) {
       owner.watched = !owner.watched;
@@ -402,7 +337,8 @@ TEST(CompressorEngine, PageThatComesAndGoesDoesNotMoveTheGain) {
 TEST(CompressorEngine, StopFlagEndsTheStreamAndAsksForNewSettings) {
   FakeOwner owner;
   CompressorEngine engine(owner);
-  engine.Start(FormatOf(2, 44100));
+  engine.SetFormat(FormatOf(2, 44100));
+  engine.Start();
   const std::vector<float> input = SamplesOf<float>(Programme(500, 2, 700, 0));
   std::vector<float> data = input;
   std::uint32_t frames = 500;

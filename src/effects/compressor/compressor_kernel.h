@@ -35,6 +35,9 @@ inline constexpr double kHoldDecay = 0.999;  // of the held level, per frame
 inline constexpr double kHoldGrowth = 1.0 / kHoldDecay;
 inline constexpr float kHoldDecaySingle = 0.999f;
 
+// A gain that fades to silence ends at 0: subnormals would make every frame several times as expensive.
+inline constexpr double kLeastGain = std::numeric_limits<double>::min();
+
 inline constexpr double kLowPassStart = 0.5;  // its steady state for a gain of 1
 
 // Levels above are taken for 0: infinities and NaNs must not enter a state, nor may what is left overflow there.
@@ -81,10 +84,14 @@ inline double TargetGain(const CompressorCoefficients& c, Level level, Level thr
 inline double SmoothedGain(const CompressorCoefficients& c, double gain, double target, double& low_pass) noexcept {
   gain =
       target < gain ? c.attack * gain + c.attack_complement * target : c.release * gain + c.release_complement * target;
-  if (!c.smooth) return gain;
-  const double before = Flushed(low_pass);
-  low_pass = kLowPassA * gain + kLowPassB * before;
-  return low_pass + before;
+  if (c.smooth) {
+    const double before = Flushed(low_pass);
+    low_pass = kLowPassA * gain + kLowPassB * before;
+    gain = low_pass + before;
+  }
+  if (gain < kLeastGain) [[unlikely]]
+    gain = 0.0;
+  return gain;
 }
 
 // The largest magnitude that a meter shows for a sample, full scale 1.0. Samples that are not finite do not count.

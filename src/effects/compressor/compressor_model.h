@@ -98,9 +98,6 @@ class CompressorModel {
     vf_state_ = 0.0;
   }
 
-  double gain() const { return gain_; }
-  double gain_below() const { return gain_below_; }
-
   // One frame in place.
   void Frame(double* x) {
     double p = 0.0;
@@ -117,6 +114,7 @@ class CompressorModel {
       gain_ = y + lp_state_;
       lp_state_ = y;
     }
+    if (gain_ < std::ldexp(1.0, -1022)) gain_ = 0.0;
     for (std::size_t c = 0; c < channels_; ++c) x[c] *= gain_;
   }
 

@@ -55,7 +55,8 @@ TYPED_TEST(CompressorFloats, ResetForgetsWhateverCameBefore) {
   FakeOwner owner;
   owner.settings = kHeavySmooth;
   CompressorEngine engine(owner);
-  engine.Start(FormatOf(2, 44100));
+  engine.SetFormat(FormatOf(2, 44100));
+  engine.Start();
   std::vector<TypeParam> loud(4000, TypeParam{1e30});
   RunAll(engine, loud, 2);
   engine.LoadParameters(kHeavySmooth, ProcessMode::kDiscontinuity);
@@ -84,7 +85,8 @@ TYPED_TEST(CompressorFloats, AbsurdRecordsGiveFiniteOutput) {
     owner.settings = settings;
     owner.watched = i % 2 == 0;
     CompressorEngine engine(owner);
-    engine.Start(FormatOf(2, rate_hz));
+    engine.SetFormat(FormatOf(2, rate_hz));
+    engine.Start();
     auto output = input;
     RunAll(engine, output, 2);
     for (const TypeParam sample : output) ASSERT_TRUE(std::isfinite(sample));

@@ -81,7 +81,8 @@ std::vector<Sample> Compressed(const CompressorSettings& settings, std::vector<S
   owner.settings = settings;
   owner.watched = watched;
   CompressorEngine engine(owner);
-  engine.Start(FormatOf(channels, rate_hz));
+  engine.SetFormat(FormatOf(channels, rate_hz));
+  engine.Start();
   RunAll(engine, data, channels);
   return data;
 }

@@ -78,6 +78,8 @@ inline constexpr auto kParams = [] {
   return table;
 }();
 
+static_assert(kParams.size() <= kMaxParams);
+
 inline constexpr GUID kTag{0x8cb69a0d, 0x10e8, 0x11d2, {0x9b, 0x89, 0x00, 0x10, 0x4b, 0x8d, 0x13, 0xc2}};
 
 inline constexpr EqSettings kMissingFields{};

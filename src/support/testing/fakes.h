@@ -72,14 +72,14 @@ class FakeStream : public ByteStream {
   explicit FakeStream(Bytes content = {}) : bytes(std::move(content)) {}
 
   HRESULT Read(void* data, std::uint32_t count) override {
-    if (calls++ == failing_call) return failure;
+    if (calls++ == failing_call) return E_OUTOFMEMORY;
     const std::size_t got = std::min<std::size_t>(count, bytes.size() - position);
     if (got != 0) std::memcpy(data, bytes.data() + position, got);
     position += got;
     return got < count ? short_read : S_OK;
   }
   HRESULT Write(const void* data, std::uint32_t count) override {
-    if (calls++ == failing_call) return failure;
+    if (calls++ == failing_call) return E_OUTOFMEMORY;
     const auto* const first = static_cast<const std::uint8_t*>(data);
     bytes.insert(bytes.end(), first, first + count);
     return S_OK;
@@ -89,7 +89,6 @@ class FakeStream : public ByteStream {
   std::size_t position = 0;
   int calls = 0;
   int failing_call = -1;
-  HRESULT failure = E_OUTOFMEMORY;
   HRESULT short_read = S_FALSE;
 };
 
@@ -135,7 +134,8 @@ class RecordingEffect : public Effect {
     return S_OK;
   }
 
-  HRESULT Start(const StreamFormat&) override { return Note({.kind = Kind::kStart}), S_OK; }
+  void SetFormat(const StreamFormat&) override {}
+  HRESULT Start() override { return Note({.kind = Kind::kStart}), S_OK; }
   HRESULT Stop() override { return Note({.kind = Kind::kStop}), S_OK; }
   bool IsActive() override { return !is_active || is_active(); }
   bool FetchSettings() override { return control_.FetchRecord(fetched_); }
