@@ -23,8 +23,7 @@ TEST_F(ExportsTest, CarryPlainNames) {
 }
 
 TEST_F(ExportsTest, BuildPositionStringExTouchesNoArgument) {
-  using Function = void(char*, const void*, INT64, char*, UINT32);
-  Function* const build = Export<Function>("BuildPositionStringEx");
+  auto* const build = Export<void(char*, const void*, INT64, char*, UINT32)>("BuildPositionStringEx");
   char buffer[] = "buffer";
   char text[] = "text";
   build(buffer, nullptr, -1, text, 0xFFFFFFFF);
@@ -41,10 +40,8 @@ TEST_F(ClassObjectTest, ServesItsClassesThroughTwoInterfacesOnly) {
   } rows[] = {
       {kCompressorClsid, IID_IUnknown, S_OK},
       {kCompressorClsid, IID_IClassFactory, S_OK},
-      {kCompressorClsid, IID_IDispatch, E_NOINTERFACE},
       {kCompressorClsid, IID_IBaseFilter, E_NOINTERFACE},
       {CLSID_NULL, IID_IClassFactory, CLASS_E_CLASSNOTAVAILABLE},
-      {CLSID_FilterGraph, IID_IUnknown, CLASS_E_CLASSNOTAVAILABLE},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(&row - rows);
@@ -59,16 +56,13 @@ TEST_F(ClassObjectTest, ServesItsClassesThroughTwoInterfacesOnly) {
 }
 
 TEST_F(ClassObjectTest, CreatesWhatIsAskedForOrNothing) {
-  ComPtr<IClassFactory> factory;
-  ASSERT_EQ(GetClassObject(kCompressorClsid, IID_IClassFactory, factory.PutVoid()), S_OK);
-  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IBaseFilter, nullptr), E_POINTER);
-  void* out = kPoison;
-  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IDispatch, &out), E_NOINTERFACE);
-  EXPECT_EQ(out, nullptr);
   CountedFake<IUnknown> outer;
-  out = kPoison;
-  EXPECT_EQ(factory->CreateInstance(&outer, IID_IBaseFilter, &out), E_NOINTERFACE);
+  void* out = kPoison;
+  EXPECT_EQ(Create(kCompressorClsid, nullptr, IID_IDispatch, &out), E_NOINTERFACE);
   EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(Create(kCompressorClsid, &outer, IID_IBaseFilter, &(out = kPoison)), E_NOINTERFACE);
+  EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(Create(kCompressorClsid, nullptr, IID_IBaseFilter, nullptr), E_POINTER);
 }
 
 TEST_F(ClassObjectTest, LocksFactoriesAndObjectsKeepTheModuleLoaded) {
@@ -76,18 +70,14 @@ TEST_F(ClassObjectTest, LocksFactoriesAndObjectsKeepTheModuleLoaded) {
   ASSERT_EQ(GetClassObject(kCompressorClsid, IID_IClassFactory, factory.PutVoid()), S_OK);
   EXPECT_EQ(CanUnloadNow(), S_FALSE);
   EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
   factory.Reset();
   EXPECT_EQ(CanUnloadNow(), S_FALSE);
   ASSERT_EQ(GetClassObject(kCompressorClsid, IID_IClassFactory, factory.PutVoid()), S_OK);
   EXPECT_EQ(factory->LockServer(FALSE), S_OK);
   factory.Reset();
   EXPECT_EQ(CanUnloadNow(), S_OK);
-  auto filter = NewCompressor<IBaseFilter>();
+  const auto filter = NewCompressor<IBaseFilter>();
   EXPECT_EQ(CanUnloadNow(), S_FALSE);
-  EXPECT_EQ(filter.Detach()->Release(), 0u);
-  EXPECT_EQ(CanUnloadNow(), S_OK);
 }
 
 const IID kAnswered[] = {
@@ -106,7 +96,7 @@ const IID kAnswered[] = {
     IID_IAMovieSetup,
 };
 
-TEST_F(IdentityTest, EveryInterfaceLeadsToEveryOtherAndBackToOneUnknown) {
+TEST_F(IdentityTest, EveryInterfaceLeadsToEveryOtherAndNoOtherIsAnswered) {
   const auto identity = NewCompressor<IUnknown>();
   for (const IID& from : kAnswered) {
     SCOPED_TRACE(&from - kAnswered);
@@ -114,22 +104,12 @@ TEST_F(IdentityTest, EveryInterfaceLeadsToEveryOtherAndBackToOneUnknown) {
     ASSERT_EQ(identity->QueryInterface(from, first.PutVoid()), S_OK);
     EXPECT_EQ(Query<IUnknown>(first.Get()).Get(), identity.Get());
     for (const IID& to : kAnswered) {
-      ComPtr<IUnknown> second, again;
+      ComPtr<IUnknown> second;
       EXPECT_EQ(first->QueryInterface(to, second.PutVoid()), S_OK) << &to - kAnswered;
-      EXPECT_EQ(first->QueryInterface(to, again.PutVoid()), S_OK) << &to - kAnswered;
-      EXPECT_EQ(second.Get(), again.Get()) << &to - kAnswered;
     }
     EXPECT_EQ(first->QueryInterface(from, nullptr), E_POINTER);
   }
-  identity->AddRef();
-  EXPECT_EQ(identity->Release(), 1u);
-}
-
-TEST_F(IdentityTest, OtherInterfacesAreNotAnswered) {
-  const auto identity = NewCompressor<IUnknown>();
-  for (const IID& iid :
-       {IID_IClassFactory, IID_IDispatch, IID_IPropertyPage, IID_IPersistPropertyBag, IID_IMediaSeeking,
-        IID_IMediaPosition, IID_IPin, IID_IMemInputPin, IID_IPersistStreamInit, GUID_NULL}) {
+  for (const IID& iid : {IID_IDispatch, IID_IPropertyPage, IID_IMediaSeeking, IID_IPin, IID_IMemInputPin}) {
     void* out = kPoison;
     EXPECT_EQ(identity->QueryInterface(iid, &out), E_NOINTERFACE) << std::hex << iid.Data1;
     EXPECT_EQ(out, nullptr) << std::hex << iid.Data1;
@@ -162,15 +142,6 @@ TEST_F(IdentityTest, InsideAnOuterObjectAllInterfacesButOneAreTheOuters) {
     EXPECT_EQ(Query<IUnknown>(answered.Get()).Get(), static_cast<IUnknown*>(&owner));
     EXPECT_TRUE(Query<IServiceProvider>(answered.Get()));
   }
-  ComPtr<IBaseFilter> filter = Query<IBaseFilter>(&owner);
-  ComPtr<IPin> pin;
-  ASSERT_EQ(filter->FindPin(L"Input", pin.Put()), S_OK);
-  PIN_INFO info{};
-  ASSERT_EQ(pin->QueryPinInfo(&info), S_OK);
-  EXPECT_EQ(info.pFilter, filter.Get());
-  info.pFilter->Release();
-  pin.Reset();
-  filter.Reset();
   EXPECT_EQ(owner.references, 0);
   EXPECT_EQ(owner.inner->Release(), 0u);
 }
@@ -181,16 +152,13 @@ TEST_F(IdentityTest, NamesItsClassAndItsPage) {
   EXPECT_EQ(persist->GetClassID(&clsid), S_OK);
   EXPECT_EQ(clsid, kCompressorClsid);
   EXPECT_EQ(persist->GetClassID(nullptr), E_POINTER);
-  EXPECT_EQ(Query<IBaseFilter>(persist.Get())->GetClassID(&(clsid = GUID_NULL)), S_OK);
-  EXPECT_EQ(clsid, kCompressorClsid);
-
   const auto specify = Query<ISpecifyPropertyPages>(persist.Get());
-  EXPECT_EQ(specify->GetPages(nullptr), E_POINTER);
   CAUUID pages{77, nullptr};
   ASSERT_EQ(specify->GetPages(&pages), S_OK);
   ASSERT_EQ(pages.cElems, 1u);
   EXPECT_EQ(pages.pElems[0], kCompressorPageClsid);
   CoTaskMemFree(pages.pElems);
+  EXPECT_EQ(specify->GetPages(nullptr), E_POINTER);
 }
 
 }  // namespace

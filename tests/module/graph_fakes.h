@@ -38,6 +38,25 @@ inline MediaType AudioType(const Format& format) {
   return type;
 }
 
+template <class Sample>
+Bytes BytesOf(const std::vector<Sample>& samples) {
+  Bytes bytes(samples.size() * sizeof(Sample));
+  std::memcpy(bytes.data(), samples.data(), bytes.size());
+  return bytes;
+}
+
+template <class Sample>
+Bytes Repeat(Sample sample, std::size_t count) {
+  return BytesOf(std::vector<Sample>(count, sample));
+}
+
+template <class Sample>
+double SampleAt(const Bytes& bytes, std::size_t index) {
+  Sample sample;
+  std::memcpy(&sample, bytes.data() + index * sizeof sample, sizeof sample);
+  return static_cast<double>(sample);
+}
+
 struct SourceSample {
   Bytes bytes;
   std::optional<REFERENCE_TIME> start = {}, stop = {};
@@ -59,10 +78,15 @@ class SourcePin final : public directshow::OutputPin {
     properties->cbBuffer = 1 << 16;
     return directshow::SetAllocatorProperties(allocator, *properties);
   }
-  // stream: runs on a thread of its own from each start to the stop, in tests that do not deliver themselves.
   HRESULT Active() override {
     const HRESULT result = OutputPin::Active();
-    if (SUCCEEDED(result) && stream) worker_ = std::thread(stream);
+    if (FAILED(result) || !streams_silence_) return result;
+    worker_ = std::thread([this] {
+      const Bytes silence(441 * format_.FrameBytes());
+      for (REFERENCE_TIME start = 0; Send({.bytes = silence, .start = start, .stop = start + 1000}) == S_OK;
+           start += 1000) {
+      }
+    });
     return result;
   }
   HRESULT Inactive() override {
@@ -86,10 +110,12 @@ class SourcePin final : public directshow::OutputPin {
     return Deliver(buffer.Get());
   }
 
-  std::function<void()> stream;
+  // From each start to the stop, on a thread of its own, in tests that do not deliver themselves.
+  void StreamSilence() { streams_silence_ = true; }
 
  private:
   const Format format_;
+  bool streams_silence_ = false;
   std::thread worker_;
 };
 
@@ -178,6 +204,7 @@ struct CompressorGraph {
     ASSERT_EQ(builder->ConnectDirect(&source->pin, input.Get(), nullptr), S_OK);
     ASSERT_EQ(builder->ConnectDirect(output.Get(), &sink->pin, nullptr), S_OK);
   }
+  void ApplyPreset(LONG index) { EXPECT_EQ(Query<IPluginPresets>(compressor.Get())->ApplyPreset(index), S_OK); }
   void Start() {
     Connect();
     ASSERT_HRESULT_SUCCEEDED(media->Run());

@@ -6,6 +6,8 @@
 
 #include <cstring>
 #include <ostream>
+#include <utility>
+#include <vector>
 
 #include "directshow/com_ptr.h"
 #include "effects/compressor/compressor_interface.h"
@@ -76,13 +78,14 @@ class ModuleTest : public testing::Test {
   void TearDown() override { EXPECT_EQ(CanUnloadNow(), S_OK) << "objects leaked"; }
 };
 
-// Counts references; lives on the stack of its test. Interface is one that derives from IUnknown.
+// Counts references; lives on the stack of its test. Interface is one that derives from IUnknown; `own` is its id.
 template <class Interface>
 class CountedFake : public Interface {
  public:
+  explicit CountedFake(const IID& own = __uuidof(Interface)) : own_(own) {}
   virtual ~CountedFake() { EXPECT_EQ(references, 0); }
   STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
-    const bool known = iid == IID_IUnknown || iid == __uuidof(Interface);
+    const bool known = iid == IID_IUnknown || iid == own_;
     *out = known ? static_cast<Interface*>(this) : nullptr;
     if (known) AddRef();
     return known ? S_OK : E_NOINTERFACE;
@@ -91,6 +94,49 @@ class CountedFake : public Interface {
   STDMETHODIMP_(ULONG) Release() override { return static_cast<ULONG>(InterlockedDecrement(&references)); }
 
   LONG references = 0;
+
+ private:
+  const IID own_;
+};
+
+// A new compressor by each of its interfaces.
+struct Compressor {
+  ComPtr<ICompressorSettings> control = NewCompressor<ICompressorSettings>();
+  ComPtr<tervan::IMediaParams> values = Query<tervan::IMediaParams>(control.Get());
+  ComPtr<IDirectBufferProcess> direct = Query<IDirectBufferProcess>(control.Get());
+  ComPtr<IPluginPresets> presets = Query<IPluginPresets>(control.Get());
+  ComPtr<IPersistStream> persist = Query<IPersistStream>(control.Get());
+};
+
+inline constexpr LONG kHardLimiter = 8;  // the preset with a threshold of -6 dB and no make-up gain
+inline constexpr double kLimit = 0.5011872336;
+
+// A hidden window, with what is posted to it.
+class Window {
+ public:
+  Window() : handle_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
+    EXPECT_NE(handle_, nullptr);
+  }
+  ~Window() { Destroy(); }
+  Window(const Window&) = delete;
+  Window& operator=(const Window&) = delete;
+  void Destroy() {
+    if (handle_) DestroyWindow(std::exchange(handle_, nullptr));
+  }
+  operator HWND() const { return handle_; }
+  // (command id, code) of each command, oldest first.
+  std::vector<std::pair<int, int>> Take() {
+    std::vector<std::pair<int, int>> commands;
+    MSG message;
+    while (PeekMessageW(&message, handle_, WM_COMMAND, WM_COMMAND, PM_REMOVE)) {
+      EXPECT_EQ(message.lParam, 0);
+      commands.emplace_back(LOWORD(message.wParam), HIWORD(message.wParam));
+    }
+    return commands;
+  }
+
+ private:
+  HWND handle_;
 };
 
 inline CompressorSettings SettingsOf(ICompressorSettings& control) {
