@@ -88,6 +88,22 @@ TEST_F(GraphTest, LimitsEveryFormat) {
   ExpectLimited<double>(kFormats[5], 1, kLimit, 1e-3);
 }
 
+TEST_F(GraphTest, TakesItsOwnFormatAgainAfterDirectProcessing) {
+  const Format& format = kFormats[2];
+  CompressorGraph graph(format);
+  graph.ApplyPreset(kHardLimiter);
+  ASSERT_NO_FATAL_FAILURE(graph.Connect());
+  const auto direct = Query<IDirectBufferProcess>(graph.control.Get());
+  ASSERT_EQ(direct->BeginStream(1, 8000), S_OK);
+  ASSERT_EQ(direct->EndStream(), S_OK);
+  ASSERT_HRESULT_SUCCEEDED(graph.media->Run());
+  ASSERT_EQ(graph.source->pin.Send({.bytes = Repeat(INT16{32767}, 8000)}), S_OK);
+  EXPECT_NEAR(SampleAt<INT16>(graph.sink->pin.samples.back(), 7999), 32768 * kLimit, 33);
+  WAVEFORMATEX stored{};
+  EXPECT_EQ(graph.control->GetFormat(&stored), S_OK);
+  EXPECT_EQ(stored.nSamplesPerSec, format.rate_hz);
+}
+
 // A flush, a segment or a discontinuity alone resets nothing; settings pushed at a discontinuity start anew.
 TEST_F(GraphTest, FlushSegmentsAndDiscontinuitiesPassWithoutResettingTheGain) {
   CompressorGraph graph(kMono);
