@@ -13,7 +13,7 @@
 
 #include "effects/compressor/compressor_engine.h"
 #include "least.h"
-#include "support/testing/programme.h"
+#include "testing/programme.h"
 
 namespace tervan {
 namespace {

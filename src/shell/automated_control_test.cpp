@@ -9,7 +9,7 @@
 
 #include "effects/compressor/compressor_settings.h"
 #include "effects/gate/gate_settings.h"
-#include "support/testing/fakes.h"
+#include "testing/fakes.h"
 
 namespace tervan {
 namespace {

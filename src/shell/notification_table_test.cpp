@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/testing/fakes.h"
+#include "testing/fakes.h"
 
 namespace tervan {
 namespace {

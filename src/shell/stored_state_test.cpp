@@ -12,7 +12,7 @@
 #include "effects/dither/dither_settings.h"
 #include "effects/eq/eq_settings.h"
 #include "effects/gate/gate_settings.h"
-#include "support/testing/fakes.h"
+#include "testing/fakes.h"
 
 namespace tervan {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "effects/compressor/compressor_settings.h"
-#include "support/testing/fakes.h"
+#include "testing/fakes.h"
 
 namespace tervan {
 namespace {

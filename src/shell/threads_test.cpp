@@ -12,7 +12,7 @@
 
 #include "effects/compressor/compressor_settings.h"
 #include "shell/stream_processor.h"
-#include "support/testing/fakes.h"
+#include "testing/fakes.h"
 
 namespace tervan {
 namespace {

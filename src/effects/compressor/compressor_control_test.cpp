@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "effects/compressor/compressor_effect.h"
-#include "support/testing/fakes.h"
+#include "testing/fakes.h"
 
 namespace tervan {
 

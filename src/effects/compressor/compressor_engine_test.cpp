@@ -16,7 +16,7 @@
 
 #include "effects/compressor/compressor_model.h"
 #include "effects/compressor/compressor_test_rig.h"
-#include "support/testing/programme.h"
+#include "testing/programme.h"
 
 namespace tervan {
 namespace {

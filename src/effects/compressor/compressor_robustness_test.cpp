@@ -15,7 +15,7 @@
 
 #include "effects/compressor/compressor_engine.h"
 #include "effects/compressor/compressor_test_rig.h"
-#include "support/testing/programme.h"
+#include "testing/programme.h"
 
 namespace tervan {
 namespace {

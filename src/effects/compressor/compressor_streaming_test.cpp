@@ -11,8 +11,8 @@
 
 #include "effects/compressor/compressor_effect.h"
 #include "shell/stream_processor.h"
-#include "support/testing/allocation_counter.h"
-#include "support/testing/fakes.h"
+#include "testing/allocation_counter.h"
+#include "testing/fakes.h"
 
 namespace tervan {
 namespace {

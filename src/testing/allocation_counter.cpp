@@ -1,4 +1,4 @@
-#include "support/testing/allocation_counter.h"
+#include "testing/allocation_counter.h"
 
 #include <cstdlib>
 #include <new>
