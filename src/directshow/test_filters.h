@@ -4,6 +4,7 @@
 
 #include <dshow.h>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <mutex>
@@ -104,6 +105,16 @@ inline DWORD RateOf(const AM_MEDIA_TYPE& type) {
 
 inline BYTE SourceByte(int sample, long i) { return static_cast<BYTE>(sample * 7 + i); }
 
+// What test pins answer that take these rates only, and prefer them in this order.
+inline HRESULT AcceptRate(const std::vector<DWORD>& rates_hz, const AM_MEDIA_TYPE& type) {
+  return std::find(rates_hz.begin(), rates_hz.end(), RateOf(type)) == rates_hz.end() ? E_FAIL : S_OK;
+}
+inline HRESULT OfferRate(const std::vector<DWORD>& rates_hz, int index, MediaType* type) {
+  if (index >= static_cast<int>(rates_hz.size())) return VFW_S_NO_MORE_ITEMS;
+  *type = AudioType(rates_hz[index]);
+  return S_OK;
+}
+
 struct SourceOptions {
   bool own_allocator = false;
   bool read_only = false;
@@ -132,17 +143,8 @@ class SourcePin final : public OutputPin, public IMediaSeeking {
     return S_OK;
   }
 
-  HRESULT CheckMediaType(const AM_MEDIA_TYPE& type) override {
-    for (const DWORD rate_hz : options_.rates_hz) {
-      if (RateOf(type) == rate_hz) return S_OK;
-    }
-    return E_FAIL;
-  }
-  HRESULT GetMediaType(int index, MediaType* type) override {
-    if (index >= static_cast<int>(options_.rates_hz.size())) return VFW_S_NO_MORE_ITEMS;
-    *type = AudioType(options_.rates_hz[index]);
-    return S_OK;
-  }
+  HRESULT CheckMediaType(const AM_MEDIA_TYPE& type) override { return AcceptRate(options_.rates_hz, type); }
+  HRESULT GetMediaType(int index, MediaType* type) override { return OfferRate(options_.rates_hz, index, type); }
   HRESULT DecideBufferSize(IMemAllocator& allocator, ALLOCATOR_PROPERTIES* properties) override {
     if (FAILED(options_.decide_result)) return options_.decide_result;
     properties->cBuffers = 3;
@@ -274,17 +276,8 @@ class SinkPin final : public InputPin {
  public:
   SinkPin(BaseFilter& filter, const SinkOptions& options) : InputPin(filter, L"In"), options_(options) {}
 
-  HRESULT CheckMediaType(const AM_MEDIA_TYPE& type) override {
-    for (const DWORD rate_hz : options_.rates_hz) {
-      if (RateOf(type) == rate_hz) return S_OK;
-    }
-    return E_FAIL;
-  }
-  HRESULT GetMediaType(int index, MediaType* type) override {
-    if (index >= static_cast<int>(options_.rates_hz.size())) return VFW_S_NO_MORE_ITEMS;
-    *type = AudioType(options_.rates_hz[index]);
-    return S_OK;
-  }
+  HRESULT CheckMediaType(const AM_MEDIA_TYPE& type) override { return AcceptRate(options_.rates_hz, type); }
+  HRESULT GetMediaType(int index, MediaType* type) override { return OfferRate(options_.rates_hz, index, type); }
   STDMETHODIMP GetAllocator(IMemAllocator** out) override {
     if (!options_.only_own_allocator) return InputPin::GetAllocator(out);
     if (!own_) CreateMemoryAllocator(&own_);
