@@ -22,7 +22,8 @@ namespace {
 // What all files have in common.
 struct Plan {
   const Options& options;
-  std::optional<Module> module;  // only where there are effects
+  std::optional<Module> module;             // only where there are effects
+  std::optional<MeterWindow> meter_window;  // likewise
   std::vector<Envelope> automation;
 };
 
@@ -77,7 +78,7 @@ void RenderFile(const Plan& plan, FileReport* report) {
   std::vector<EffectInstance> chain = MakeChain(plan);
   for (const Envelope& envelope : plan.automation) chain[envelope.effect].Automate(envelope.param, envelope.segments);
   RenderInput input(reader);
-  RenderOutput output(writer, chain);
+  RenderOutput output(writer, chain, plan.meter_window ? plan.meter_window->Get() : nullptr);
   ProgressLine progress(report->input, reader.Frames());
   const size_t buffer_frames = BufferFrames(reader.Format(), !plan.automation.empty());
   const auto render = is_direct ? RenderDirectly : RenderThroughGraph;
@@ -113,8 +114,11 @@ FileReport TryFile(const Plan& plan, const std::string& path) {
 }  // namespace
 
 int Render(const Options& options) {
-  Plan plan{options, {}, {}};
-  if (!options.effects.empty()) plan.module.emplace(options.module_path);
+  Plan plan{options, {}, {}, {}};
+  if (!options.effects.empty()) {
+    plan.module.emplace(options.module_path);
+    plan.meter_window.emplace();
+  }
   std::vector<StateFile> states;
   {
     const std::vector<EffectInstance> chain = MakeChain(plan);

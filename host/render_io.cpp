@@ -11,8 +11,14 @@ size_t RenderInput::Read(void* data, size_t frames) {
   return frames;
 }
 
-ReductionWatch::ReductionWatch(std::span<const EffectInstance> chain)
-    : window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
+MeterWindow::MeterWindow()
+    : window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {}
+
+MeterWindow::~MeterWindow() {
+  if (window_) DestroyWindow(window_);
+}
+
+ReductionWatch::ReductionWatch(std::span<const EffectInstance> chain, HWND window) : window_(window) {
   for (const EffectInstance& effect : chain) {
     const auto watch = effect.Type().watch_meters;
     const bool has_meters = window_ && watch && SUCCEEDED(watch(effect.Filter(), window_, true));
@@ -24,7 +30,6 @@ ReductionWatch::~ReductionWatch() {
   for (const Watched& watched : effects_) {
     if (watched.has_meters) watched.effect->Type().watch_meters(watched.effect->Filter(), window_, false);
   }
-  if (window_) DestroyWindow(window_);
 }
 
 void ReductionWatch::Poll() {

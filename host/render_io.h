@@ -34,11 +34,26 @@ class RenderInput {
   std::atomic<std::uint64_t> frames_read_{0};
 };
 
-// Asks the effects of a chain for their gain reduction, and keeps the largest. While it lives, a window that nobody
-// sees is registered with the effects, because some publish their meters only to windows.
+// A window that nobody sees. Some effects publish their meters only while one is registered with them. The first window
+// of a process takes Wine a quarter of a second, so one serves all files.
+class MeterWindow {
+ public:
+  MeterWindow();
+  ~MeterWindow();
+  MeterWindow(const MeterWindow&) = delete;
+  MeterWindow& operator=(const MeterWindow&) = delete;
+
+  HWND Get() const { return window_; }  // null when there can be none
+
+ private:
+  const HWND window_;
+};
+
+// Asks the effects of a chain for their gain reduction, and keeps the largest. While it lives, the window is registered
+// with the effects; null for none.
 class ReductionWatch {
  public:
-  explicit ReductionWatch(std::span<const EffectInstance> chain);
+  ReductionWatch(std::span<const EffectInstance> chain, HWND window);
   ~ReductionWatch();
   ReductionWatch(const ReductionWatch&) = delete;
   ReductionWatch& operator=(const ReductionWatch&) = delete;
@@ -55,13 +70,14 @@ class ReductionWatch {
     std::optional<double> smallest_gain;
   };
 
-  HWND window_;
+  const HWND window_;
   std::vector<Watched> effects_;
 };
 
 class RenderOutput {
  public:
-  RenderOutput(WavWriter& writer, std::span<const EffectInstance> chain) : writer_(writer), reductions_(chain) {}
+  RenderOutput(WavWriter& writer, std::span<const EffectInstance> chain, HWND meter_window)
+      : writer_(writer), reductions_(chain, meter_window) {}
 
   const AudioFormat& Format() const { return writer_.Format(); }
   // Takes frames that have passed the chain. Throws a Failure. [stream]
