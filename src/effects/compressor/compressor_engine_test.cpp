@@ -64,12 +64,7 @@ TYPED_TEST_SUITE(CompressorFormat, Formats);
 template <typename Sample>
 void ExpectEqualsModel(const CompressorSettings& first, const CompressorSettings& second, std::size_t channels,
                        std::uint32_t rate_hz, std::uint32_t seed) {
-  FakeOwner owner;
-  owner.settings = first;
-  owner.watched = true;
-  CompressorEngine engine(owner);
-  engine.SetFormat(FormatOf(channels, rate_hz));
-  engine.Start();
+  StartedEngine started(first, channels, rate_hz, true);
   CompressorModel model(rate_hz, channels);
   model.Load(first, false);
 
@@ -80,19 +75,19 @@ void ExpectEqualsModel(const CompressorSettings& first, const CompressorSettings
   for (std::size_t block = 0; block < std::size(kBlockFrames); ++block) {
     if (block == 3 || block == 5) {
       const CompressorSettings& settings = block == 3 ? second : first;
-      engine.LoadParameters(settings, block == 3 ? ProcessMode::kContinuous : ProcessMode::kDiscontinuity);
+      started.engine.LoadParameters(settings, block == 3 ? ProcessMode::kContinuous : ProcessMode::kDiscontinuity);
       model.Load(settings, block == 3);
     }
     std::uint32_t frames = kBlockFrames[block];
     ASSERT_LE(at + frames * channels, actual.size());
-    EXPECT_EQ(Process(engine, ProcessMode::kContinuous, &actual[at], &frames), S_OK);
+    EXPECT_EQ(Process(started.engine, ProcessMode::kContinuous, &actual[at], &frames), S_OK);
     EXPECT_EQ(frames, kBlockFrames[block]);
     meters.push_back(model.Process(&expected[at], frames));
     at += frames * channels;
   }
   EXPECT_TRUE(SameBits(actual, expected));
-  ASSERT_EQ(owner.published.size(), meters.size());
-  for (std::size_t i = 0; i < meters.size(); ++i) ExpectMeters(owner.published[i], meters[i], 0.0);
+  ASSERT_EQ(started.published.size(), meters.size());
+  for (std::size_t i = 0; i < meters.size(); ++i) ExpectMeters(started.published[i], meters[i], 0.0);
 }
 
 TYPED_TEST(CompressorFormat, SamplesAndMetersEqualTheModelInEveryBit) {
@@ -111,15 +106,10 @@ TYPED_TEST(CompressorFormat, BlockLengthDoesNotMatter) {
     for (const bool watched : {false, true}) {
       for (const CompressorSettings& settings : {kHeavy, kHeavySmooth}) {
         const auto input = SamplesOf<TypeParam>(Programme(5000, channels, 700, 0));
-        FakeOwner owner;
-        owner.settings = settings;
-        owner.watched = watched;
-        CompressorEngine engine(owner);
-        engine.SetFormat(FormatOf(channels, 44100));
-        engine.Start();
+        StartedEngine started(settings, channels, 44100, watched);
         std::vector<TypeParam> whole = input;
         const std::uint32_t all_frames[] = {5000};
-        RunAll(engine, whole, channels, all_frames);
+        RunAll(started.engine, whole, channels, all_frames);
         EXPECT_TRUE(SameBits(Compressed(settings, input, channels, 44100, watched), whole));
       }
     }
@@ -128,25 +118,21 @@ TYPED_TEST(CompressorFormat, BlockLengthDoesNotMatter) {
 
 TYPED_TEST(CompressorFormat, DrainTouchesNeitherBufferNorState) {
   const auto input = SamplesOf<TypeParam>(Programme(2000, 2, 700, 0));
-  FakeOwner owner;
-  owner.settings = kHeavy;
-  CompressorEngine engine(owner);
-  engine.SetFormat(FormatOf(2, 44100));
-  engine.Start();
+  StartedEngine started(kHeavy, 2, 44100);
   std::vector<TypeParam> head(input.begin(), input.begin() + 2000);
   std::vector<TypeParam> tail(input.begin() + 2000, input.end());
-  RunAll(engine, head, 2);
-  owner.published.clear();
-  owner.changed = true;
+  RunAll(started.engine, head, 2);
+  started.published.clear();
+  started.changed = true;
   std::vector<TypeParam> buffer = input;
   std::uint32_t frames = 2000;
-  EXPECT_EQ(Process(engine, ProcessMode::kDrain, buffer.data(), &frames), S_FALSE);
+  EXPECT_EQ(Process(started.engine, ProcessMode::kDrain, buffer.data(), &frames), S_FALSE);
   EXPECT_EQ(frames, 0u);
   EXPECT_TRUE(SameBits(buffer, input));
-  EXPECT_TRUE(owner.published.empty());
-  EXPECT_TRUE(owner.changed);
-  owner.changed = false;
-  RunAll(engine, tail, 2);
+  EXPECT_TRUE(started.published.empty());
+  EXPECT_TRUE(started.changed);
+  started.changed = false;
+  RunAll(started.engine, tail, 2);
   head.insert(head.end(), tail.begin(), tail.end());
   EXPECT_TRUE(SameBits(head, Compressed(kHeavy, input, 2)));
 }
@@ -155,21 +141,18 @@ TYPED_TEST(CompressorFormat, DrainTouchesNeitherBufferNorState) {
 TYPED_TEST(CompressorFormat, TakesWaitingSettingsAndResetsOnADiscontinuity) {
   constexpr bool kLooksItself = !std::is_same_v<TypeParam, float>;
   for (const ProcessMode mode : {ProcessMode::kContinuous, ProcessMode::kDiscontinuity}) {
-    FakeOwner owner;
-    CompressorEngine engine(owner);
-    engine.SetFormat(FormatOf(2, 44100));
-    engine.Start();
+    StartedEngine started(FakeOwner{}.settings, 2, 44100);
     CompressorModel model(44100, 2, !kLooksItself);
-    model.Load(owner.settings, false);
-    owner.settings = kHeavySmooth;
-    owner.changed = true;
+    model.Load(started.settings, false);
+    started.settings = kHeavySmooth;
+    started.changed = true;
     if (kLooksItself) model.Load(kHeavySmooth, mode == ProcessMode::kContinuous);
     auto actual = SamplesOf<TypeParam>(Programme(2000, 2, 700, 0));
     auto expected = actual;
     std::uint32_t frames = 2000;
-    Process(engine, mode, actual.data(), &frames);
+    Process(started.engine, mode, actual.data(), &frames);
     model.Process(expected.data(), frames);
-    EXPECT_EQ(owner.changed, !kLooksItself);
+    EXPECT_EQ(started.changed, !kLooksItself);
     EXPECT_TRUE(SameBits(actual, expected));
   }
 }
@@ -302,31 +285,23 @@ TEST(CompressorEngine, MetersDivideGainsOutAndKnowSilence) {
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(Text(row.settings));
-    FakeOwner owner;
-    owner.settings = row.settings;
-    CompressorEngine engine(owner);
-    engine.SetFormat(FormatOf(2, 44100));
-    engine.Start();
+    StartedEngine started(row.settings, 2, 44100);
     std::vector<double> data(80000);
     for (std::size_t i = 0; i < data.size(); ++i) data[i] = i % 2 == 0 ? 1.0 : -0.5;
-    RunAll(engine, data, 2);
-    ExpectMeters(owner.published.back(), row.expected, 1e-6);
+    RunAll(started.engine, data, 2);
+    ExpectMeters(started.published.back(), row.expected, 1e-6);
   }
 }
 
 TEST(CompressorEngine, PageThatComesAndGoesDoesNotMoveTheGain) {
   const std::vector<float> input = SamplesOf<float>(Programme(40000, 2, 3000, 0));
   for (const CompressorSettings& settings : {kHeavy, kHeavySmooth}) {
-    FakeOwner owner;
-    owner.settings = settings;
-    CompressorEngine engine(owner);
-    engine.SetFormat(FormatOf(2, 44100));
-    engine.Start();
+    StartedEngine started(settings, 2, 44100);
     std::vector<float> data = input;
     for (std::size_t at = 0; at < data.size(); at += 1000) {
-      owner.watched = !owner.watched;
+      started.watched = !started.watched;
       std::uint32_t frames = 500;
-      engine.ProcessFloat32(ProcessMode::kContinuous, &data[at], &frames, false);
+      started.engine.ProcessFloat32(ProcessMode::kContinuous, &data[at], &frames, false);
     }
     const std::vector<float> undisturbed = Compressed(settings, input, 2);
     for (std::size_t i = 0; i < data.size(); ++i)
@@ -335,30 +310,27 @@ TEST(CompressorEngine, PageThatComesAndGoesDoesNotMoveTheGain) {
 }
 
 TEST(CompressorEngine, StopFlagEndsTheStreamAndAsksForNewSettings) {
-  FakeOwner owner;
-  CompressorEngine engine(owner);
-  engine.SetFormat(FormatOf(2, 44100));
-  engine.Start();
+  StartedEngine started(FakeOwner{}.settings, 2, 44100);
   const std::vector<float> input = SamplesOf<float>(Programme(500, 2, 700, 0));
   std::vector<float> data = input;
   std::uint32_t frames = 500;
-  EXPECT_EQ(engine.ProcessFloat32(ProcessMode::kDrain, data.data(), &frames, true), S_FALSE);
-  EXPECT_TRUE(engine.loaded());
-  EXPECT_TRUE(owner.published.empty());
+  EXPECT_EQ(started.engine.ProcessFloat32(ProcessMode::kDrain, data.data(), &frames, true), S_FALSE);
+  EXPECT_TRUE(started.engine.loaded());
+  EXPECT_TRUE(started.published.empty());
 
   frames = 500;
-  EXPECT_EQ(engine.ProcessFloat32(ProcessMode::kContinuous, data.data(), &frames, true), S_FALSE);
+  EXPECT_EQ(started.engine.ProcessFloat32(ProcessMode::kContinuous, data.data(), &frames, true), S_FALSE);
   EXPECT_EQ(frames, 0u);
-  EXPECT_FALSE(engine.loaded());
+  EXPECT_FALSE(started.engine.loaded());
   EXPECT_TRUE(SameBits(data, input));
-  ASSERT_EQ(owner.published.size(), 1u);
-  EXPECT_EQ(std::memcmp(&owner.published[0], &kIdleMeters, sizeof kIdleMeters), 0);
+  ASSERT_EQ(started.published.size(), 1u);
+  EXPECT_EQ(std::memcmp(&started.published[0], &kIdleMeters, sizeof kIdleMeters), 0);
 
-  owner.settings = kHeavy;  // not flagged as a change
+  started.settings = kHeavy;  // not flagged as a change
   frames = 500;
-  EXPECT_EQ(engine.ProcessFloat32(ProcessMode::kDiscontinuity, data.data(), &frames, false), S_OK);
+  EXPECT_EQ(started.engine.ProcessFloat32(ProcessMode::kDiscontinuity, data.data(), &frames, false), S_OK);
   EXPECT_EQ(frames, 500u);
-  EXPECT_TRUE(engine.loaded());
+  EXPECT_TRUE(started.engine.loaded());
   EXPECT_TRUE(SameBits(data, Compressed(kHeavy, input, 2)));
 }
 

@@ -52,16 +52,12 @@ TYPED_TEST(CompressorFloats, SamplesThatAreNotFiniteLeaveNoTrace) {
 
 TYPED_TEST(CompressorFloats, ResetForgetsWhateverCameBefore) {
   const auto input = SamplesOf<TypeParam>(Programme(3000, 2, 700, 0));
-  FakeOwner owner;
-  owner.settings = kHeavySmooth;
-  CompressorEngine engine(owner);
-  engine.SetFormat(FormatOf(2, 44100));
-  engine.Start();
+  StartedEngine started(kHeavySmooth, 2, 44100);
   std::vector<TypeParam> loud(4000, TypeParam{1e30});
-  RunAll(engine, loud, 2);
-  engine.LoadParameters(kHeavySmooth, ProcessMode::kDiscontinuity);
+  RunAll(started.engine, loud, 2);
+  started.engine.LoadParameters(kHeavySmooth, ProcessMode::kDiscontinuity);
   auto output = input;
-  RunAll(engine, output, 2);
+  RunAll(started.engine, output, 2);
   EXPECT_TRUE(SameBits(output, Compressed(kHeavySmooth, input, 2)));
 }
 
@@ -81,16 +77,11 @@ TYPED_TEST(CompressorFloats, AbsurdRecordsGiveFiniteOutput) {
     constexpr std::uint32_t kAnyRate[] = {0, 1, 44100, 768000, 0xFFFFFFFF};
     const std::uint32_t rate_hz = kAnyRate[i % std::size(kAnyRate)];
     SCOPED_TRACE(Text(settings) + " at " + std::to_string(rate_hz));
-    FakeOwner owner;
-    owner.settings = settings;
-    owner.watched = i % 2 == 0;
-    CompressorEngine engine(owner);
-    engine.SetFormat(FormatOf(2, rate_hz));
-    engine.Start();
+    StartedEngine started(settings, 2, rate_hz, i % 2 == 0);
     auto output = input;
-    RunAll(engine, output, 2);
+    RunAll(started.engine, output, 2);
     for (const TypeParam sample : output) ASSERT_TRUE(std::isfinite(sample));
-    for (const CompressorMeters& meters : owner.published) {
+    for (const CompressorMeters& meters : started.published) {
       for (const double value :
            {meters.input_left, meters.input_right, meters.output_left, meters.output_right, meters.reduction}) {
         ASSERT_TRUE(std::isfinite(value));

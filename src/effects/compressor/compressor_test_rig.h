@@ -73,17 +73,23 @@ void RunAll(CompressorEngine& engine, std::vector<Sample>& data, std::size_t cha
   }
 }
 
+// An engine at the start of a stream, and its owner.
+struct StartedEngine : FakeOwner {
+  StartedEngine(const CompressorSettings& with, std::size_t channels, std::uint32_t rate_hz, bool is_watched = false) {
+    settings = with;
+    watched = is_watched;
+    engine.SetFormat(FormatOf(channels, rate_hz));
+    engine.Start();
+  }
+  CompressorEngine engine{*this};
+};
+
 // The engine with one set of settings over a whole signal.
 template <typename Sample>
 std::vector<Sample> Compressed(const CompressorSettings& settings, std::vector<Sample> data, std::size_t channels,
                                std::uint32_t rate_hz = 44100, bool watched = false) {
-  FakeOwner owner;
-  owner.settings = settings;
-  owner.watched = watched;
-  CompressorEngine engine(owner);
-  engine.SetFormat(FormatOf(channels, rate_hz));
-  engine.Start();
-  RunAll(engine, data, channels);
+  StartedEngine started(settings, channels, rate_hz, watched);
+  RunAll(started.engine, data, channels);
   return data;
 }
 
