@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "params/param_manager.h"
 #include "shell/control_state.h"
@@ -25,9 +26,10 @@ enum class ModeSettles { kAfterPush, kAfterFirstChunk };
 struct EffectTraits {
   GUID filter_clsid;
   GUID page_clsid;
-  bool drains_at_end;                    // end-of-stream is preceded by a drain
-  ModeSettles mode_settles;              // for effects with automation
-  std::uint16_t settings_replaced_code;  // posted after a preset, a load, and at construction
+  bool drains_at_end;                           // end-of-stream is preceded by a drain
+  ModeSettles mode_settles;                     // for effects with automation
+  std::uint16_t settings_replaced_code;         // posted after a preset, a load, and at construction
+  std::optional<std::uint16_t> param_set_code;  // posted when the host has set a parameter; none: nothing is
   StoredState stored;
   PresetList presets;
 };
@@ -70,8 +72,9 @@ class Effect {
   // A sample of this many frames is about to be processed.
   virtual void AdvanceStreamTime([[maybe_unused]] std::uint32_t frames) {}
 
-  // The host set a parameter through the automation interface (S_OK of AutomatedControl::SetParam). [host]
-  virtual HRESULT SetParam(std::uint32_t index, float value) = 0;
+  // The host sets a parameter through the automation interface, which effects without parameters do not have. As
+  // AutomatedControl::SetParam. [host]
+  virtual HRESULT SetParam([[maybe_unused]] std::uint32_t index, [[maybe_unused]] float value) { return E_NOTIMPL; }
 };
 
 }  // namespace tervan

@@ -5,18 +5,6 @@
 
 namespace tervan {
 
-HRESULT CompressorControl::GetSettings(CompressorSettings* settings) const {
-  if (!settings) return E_POINTER;
-  ExportRecord(settings);
-  return S_OK;
-}
-
-HRESULT CompressorControl::SetSettings(const CompressorSettings* settings) {
-  if (!settings) return E_POINTER;
-  ImportRecord(settings);
-  return S_OK;
-}
-
 HRESULT CompressorControl::SetLegacySettings(const std::uint32_t* words, std::uint32_t count) {
   if (!words) return E_POINTER;
   CompressorSettings settings = compressor::kMissingFields;

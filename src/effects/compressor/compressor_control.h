@@ -9,7 +9,7 @@
 #include "effects/compressor/compressor_meters.h"
 #include "effects/compressor/compressor_settings.h"
 #include "effects/compressor/meter_exchange.h"
-#include "shell/automated_control.h"
+#include "shell/record_control.h"
 
 namespace tervan {
 
@@ -29,14 +29,12 @@ inline constexpr std::uint16_t kMetersReset = 32703;
 
 }  // namespace compressor
 
-class CompressorControl final : public AutomatedControl, public CompressorEngineOwner {
+class CompressorControl final : public RecordControl<CompressorSettings, CompressorEngineOwner> {
  public:
-  explicit CompressorControl(WindowPoster& poster) : AutomatedControl(compressor::kParams, poster) {}
+  explicit CompressorControl(WindowPoster& poster) : RecordControl(compressor::kParams, poster) {}
 
   // All [any thread]; S_OK, or E_POINTER.
-  HRESULT GetSettings(CompressorSettings* settings) const;  // the reserved word is not written
-  HRESULT SetSettings(const CompressorSettings* settings);  // as given, without clamping
-  HRESULT SetLegacySettings6(const std::uint32_t* words);   // the first 6 or 8 fields of a record
+  HRESULT SetLegacySettings6(const std::uint32_t* words);  // the first 6 or 8 fields of a record
   HRESULT SetLegacySettings8(const std::uint32_t* words);
   HRESULT GetMeters(CompressorMeters* meters);
   HRESULT PutMeters(const CompressorMeters& meters);
@@ -49,7 +47,6 @@ class CompressorControl final : public AutomatedControl, public CompressorEngine
   void ResetMeters();
   void AdvanceStreamTime(std::uint32_t frames, std::uint32_t sample_rate_hz);
 
-  bool SnapshotSettings(CompressorSettings* settings) override { return FetchRecord(settings); }
   void PublishMeters(const CompressorMeters& meters) override { PutMeters(meters); }
   bool IsWatched() const override { return HasNotifyWindow(); }
 

@@ -196,7 +196,7 @@ struct CompressorEffectTest : ::testing::Test {
   }
   CompressorMeters Meters() {
     CompressorMeters meters{};
-    effect->compressor_control().GetMeters(&meters);
+    effect->settings_control().GetMeters(&meters);
     return meters;
   }
   static constexpr StreamFormat kFormat{kTagFloat, 2, 48000, 384000, 8, 32, 0};
@@ -216,7 +216,7 @@ TEST_F(CompressorEffectTest, StartsAsPresetZeroIdleAndToBeSaved) {
 
 TEST_F(CompressorEffectTest, TellsThePageWhatHappensButNotWhatThePageDid) {
   effect->control().SetNotifyWindow(Window(1), 5);
-  effect->compressor_control().Set(static_cast<std::uint32_t>(CompressorParam::kThreshold), -10.0f);
+  effect->settings_control().Set(static_cast<std::uint32_t>(CompressorParam::kThreshold), -10.0f);
   EXPECT_THAT(Codes(), IsEmpty());
 
   constexpr auto kAmount = static_cast<std::uint32_t>(CompressorParam::kAmount);
@@ -231,7 +231,7 @@ TEST_F(CompressorEffectTest, TellsThePageWhatHappensButNotWhatThePageDid) {
   effect->SetFormat(kFormat);
   EXPECT_EQ(effect->Start(), S_OK);
   EXPECT_THAT(Codes(), ElementsAre(32702, 32703));
-  effect->compressor_control().PutMeters(Record(1));
+  effect->settings_control().PutMeters(Record(1));
   EXPECT_EQ(effect->Stop(), S_OK);
   EXPECT_THAT(Codes(), ElementsAre(32703));
   EXPECT_EQ(Meters(), kIdleMeters);

@@ -2,8 +2,6 @@
 
 #include <new>
 
-#include "shell/engine_dispatch.h"
-
 namespace tervan {
 
 constinit const EffectTraits kCompressorTraits{
@@ -12,11 +10,10 @@ constinit const EffectTraits kCompressorTraits{
     .drains_at_end = true,
     .mode_settles = ModeSettles::kAfterPush,
     .settings_replaced_code = compressor::kSettingsReplaced,
+    .param_set_code = compressor::kParamSetByHost,
     .stored = {compressor::kForms, sizeof(CompressorSettings), LoadNotifies::kAfterBodyRead},
     .presets = ListOf(compressor::kPresets),
 };
-
-CompressorEffect::CompressorEffect(WindowPoster& poster) : control_(poster) { ApplyPreset(*this, 0); }
 
 CompressorEffect::~CompressorEffect() {
   control_.Notify(compressor::kMetersReset);
@@ -51,16 +48,6 @@ HRESULT CompressorEffect::PushSettings(ProcessMode mode) {
   return S_OK;
 }
 
-HRESULT CompressorEffect::Process(SampleFormat format, ProcessMode mode, void* data, std::uint32_t* frames, bool stop) {
-  return ProcessWith(engine_, format, mode, data, frames, stop);
-}
-
 void CompressorEffect::AdvanceStreamTime(std::uint32_t frames) { control_.AdvanceStreamTime(frames, sample_rate_hz_); }
-
-HRESULT CompressorEffect::SetParam(std::uint32_t index, float value) {
-  const HRESULT result = control_.SetParam(index, value);
-  if (result == S_OK) control_.Notify(compressor::kParamSetByHost);
-  return result;
-}
 
 }  // namespace tervan

@@ -9,16 +9,15 @@
 #include "effects/compressor/compressor_meters.h"
 #include "effects/compressor/compressor_settings.h"
 #include "shell/effect.h"
+#include "shell/record_control.h"
 #include "shell/stream_format.h"
 #include "support/result.h"
 
 namespace tervan {
 
 // What the engine asks of the filter that owns it. Each call takes the filter's lock for a copy.
-class CompressorEngineOwner {
+class CompressorEngineOwner : public SettingsSource<CompressorSettings> {
  public:
-  // Copies the current settings; true when a change was waiting, which is thereby taken note of.
-  virtual bool SnapshotSettings(CompressorSettings* settings) = 0;
   virtual void PublishMeters(const CompressorMeters& meters) = 0;
   virtual bool IsWatched() const = 0;  // a window is registered for notifications
 

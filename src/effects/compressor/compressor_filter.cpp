@@ -6,8 +6,6 @@
 namespace tervan {
 namespace {
 
-static_assert(sizeof(WAVEFORMATEX) == sizeof(StreamFormat));
-
 class GraphClock final : public StreamClock {
  public:
   explicit GraphClock(IReferenceClock* clock) : clock_(clock) {}
@@ -22,16 +20,6 @@ class GraphClock final : public StreamClock {
 };
 
 }  // namespace
-
-CompressorFilter::CompressorFilter(IUnknown* outer)
-    : Implements(outer, std::make_unique<CompressorEffect>(MessagePoster())),
-      control_(static_cast<CompressorEffect&>(effect()).compressor_control()) {}
-
-IUnknown* CompressorFilter::FindInterface(REFIID iid) noexcept {
-  IUnknown* const found =
-      directshow::FindIn(iid, {{__uuidof(ICompressorSettings), static_cast<ICompressorSettings*>(this)}});
-  return found ? found : FilterShell::FindInterface(iid);
-}
 
 HRESULT CompressorFilter::SetSyncSource(IReferenceClock* clock) {
   std::shared_ptr<StreamClock> graph_clock;

@@ -3,8 +3,7 @@
 
 #include "effects/compressor/compressor_effect.h"
 #include "effects/compressor/compressor_interface.h"
-#include "shell/filter_setup.h"
-#include "shell/filter_shell.h"
+#include "shell/effect_filter.h"
 
 namespace tervan {
 
@@ -12,22 +11,15 @@ inline constexpr wchar_t kCompressorFilterName[] = L"Tervan Track Compressor";
 inline constexpr directshow::FilterSetup kCompressorFilterSetup =
     EffectFilterSetup(&kCompressorTraits.filter_clsid, kCompressorFilterName);
 
-class CompressorFilter final : public directshow::Implements<FilterShell, ICompressorSettings> {
+class CompressorFilter final
+    : public EffectFilter<ICompressorSettings, CompressorSettings, CompressorEffect, kCompressorFilterSetup> {
  public:
-  explicit CompressorFilter(IUnknown* outer);
+  using EffectFilter::EffectFilter;
 
   STDMETHODIMP SetSyncSource(IReferenceClock* clock) override;
 
-  STDMETHODIMP GetSettings(CompressorSettings* settings) override { return control_.GetSettings(settings); }
-  STDMETHODIMP SetSettings(const CompressorSettings* settings) override { return control_.SetSettings(settings); }
   STDMETHODIMP SetLegacySettings6(const UINT32* words) override { return control_.SetLegacySettings6(words); }
   STDMETHODIMP SetLegacySettings8(const UINT32* words) override { return control_.SetLegacySettings8(words); }
-  STDMETHODIMP GetFormat(WAVEFORMATEX* format) override {
-    return control_.GetFormat(reinterpret_cast<StreamFormat*>(format));
-  }
-  STDMETHODIMP SetNotifyWindow(HWND window, int command_id) override {
-    return control_.SetNotifyWindow(window, command_id);
-  }
 
 #define TERVAN_COMPRESSOR_SLOTS(P, Value) \
   TERVAN_FORWARD_PARAM_SLOTS(P, Value, control_, static_cast<std::uint32_t>(CompressorParam::k##P))
@@ -44,13 +36,6 @@ class CompressorFilter final : public directshow::Implements<FilterShell, ICompr
 
   STDMETHODIMP GetMeters(CompressorMeters* meters) override { return control_.GetMeters(meters); }
   STDMETHODIMP PutMeters(CompressorMeters meters) override { return control_.PutMeters(meters); }
-
- protected:
-  IUnknown* FindInterface(REFIID iid) noexcept override;
-  const directshow::FilterSetup* Setup() noexcept override { return &kCompressorFilterSetup; }
-
- private:
-  CompressorControl& control_;
 };
 
 }  // namespace tervan

@@ -31,7 +31,7 @@ class TestClock : public StreamClock {
 
 struct Rig {
   Rig() {
-    effect.compressor_control().SetClock(clock);
+    effect.settings_control().SetClock(clock);
     effect.control().SetNotifyWindow(Window(1), 5);  // metering is on only when watched
     const SegmentData ramp{0, 1000 * kMs, 0, 1, kCurveLinear, 0};
     effect.params()->AddEnvelope(kAllParams, 1, &ramp);
@@ -84,7 +84,7 @@ TEST(CompressorStreaming, PageWatchesAndEditsWhileAudioFlows) {
   Rig rig;
   std::atomic<bool> done = false;
   std::jthread page([&] {
-    CompressorControl& control = rig.effect.compressor_control();
+    CompressorControl& control = rig.effect.settings_control();
     for (int i = 0; !done; ++i) {
       rig.clock->now_100ns = i % 100 * kMs;
       CompressorMeters meters{};
@@ -117,7 +117,7 @@ TEST(CompressorStreaming, DirectBuffersHaveTheChannelsOfTheFormatInForce) {
     EXPECT_EQ(processor.ProcessBuffer(samples.data(), 100, false), S_OK);
     return samples.back() < 0.3f;
   };
-  effect.compressor_control().Set(static_cast<std::uint32_t>(CompressorParam::kOutputGain), -12.0f);
+  effect.settings_control().Set(static_cast<std::uint32_t>(CompressorParam::kOutputGain), -12.0f);
   connect(1);
   EXPECT_TRUE(is_lowered(1));  // without a stream begun
   EXPECT_EQ(processor.BeginStream(2, 48000), S_OK);
