@@ -9,7 +9,7 @@
 
 namespace tervan {
 
-// Control: derived from RecordControl<Settings>. Engine: made from it, with a routine per sample format.
+// Control: derived from RecordControl<Settings>. Engine: an AutomatedEngine, made from the control object.
 template <typename Settings, typename Control, typename Engine>
 class AutomatedEffect : public Effect {
  public:
@@ -26,7 +26,17 @@ class AutomatedEffect : public Effect {
   void GetRecord(void* record) final { control_.GetSettings(static_cast<Settings*>(record)); }
   HRESULT SetRecord(const void* record) final { return control_.SetSettings(static_cast<const Settings*>(record)); }
   void SetFormat(const StreamFormat& format) override { engine_.SetFormat(format); }
+  HRESULT Start() override {
+    engine_.Start();
+    return S_OK;
+  }
+  HRESULT Stop() override { return S_OK; }
   bool FetchSettings() final { return control_.SnapshotSettings(&fetched_); }
+  bool NeedsSettings() const final { return !engine_.loaded(); }
+  HRESULT PushSettings(ProcessMode mode) final {
+    engine_.LoadParameters(fetched_, mode);
+    return S_OK;
+  }
   HRESULT Process(SampleFormat format, ProcessMode mode, void* data, std::uint32_t* frames, bool stop) final {
     return ProcessWith(engine_, format, mode, data, frames, stop);
   }
@@ -40,6 +50,8 @@ class AutomatedEffect : public Effect {
   const EffectTraits& traits_;
   Control control_;
   Engine engine_{control_};
+
+ private:
   Settings fetched_{};  // the copy for the next push
 };
 

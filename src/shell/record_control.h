@@ -1,22 +1,10 @@
-// The control object of an automated effect with its settings record, and what the effect's engine sees of it.
+// The control object of an automated effect with its settings record, where the effect's engine gets its settings.
 #pragma once
 
-#include <span>
-
 #include "shell/automated_control.h"
+#include "shell/automated_engine.h"
 
 namespace tervan {
-
-// Where an engine gets its settings. The call takes a lock for the copy. [stream]
-template <typename Settings>
-class SettingsSource {
- public:
-  // Copies the current settings; true when a change was waiting, which is thereby taken note of.
-  virtual bool SnapshotSettings(Settings* settings) = 0;
-
- protected:
-  ~SettingsSource() = default;
-};
 
 // Source: SettingsSource<Settings>, or an effect's extension of it.
 template <typename Settings, typename Source = SettingsSource<Settings>>

@@ -22,11 +22,11 @@ CompressorEffect::~CompressorEffect() {
 
 void CompressorEffect::SetFormat(const StreamFormat& format) {
   sample_rate_hz_ = format.nSamplesPerSec;
-  engine_.SetFormat(format);
+  AutomatedEffect::SetFormat(format);
 }
 
 HRESULT CompressorEffect::Start() {
-  engine_.Start();
+  AutomatedEffect::Start();
   control_.Notify(compressor::kStreamingStarted);
   control_.Notify(compressor::kMetersReset);
   try {
@@ -40,11 +40,6 @@ HRESULT CompressorEffect::Start() {
 HRESULT CompressorEffect::Stop() {
   control_.Notify(compressor::kMetersReset);
   control_.ResetMeters();
-  return S_OK;
-}
-
-HRESULT CompressorEffect::PushSettings(ProcessMode mode) {
-  engine_.LoadParameters(fetched_, mode);
   return S_OK;
 }
 

@@ -17,8 +17,6 @@ class CompressorEffect final : public AutomatedEffect<CompressorSettings, Compre
   void SetFormat(const StreamFormat& format) override;
   HRESULT Start() override;
   HRESULT Stop() override;
-  bool NeedsSettings() const override { return !engine_.loaded(); }
-  HRESULT PushSettings(ProcessMode mode) override;
   void AdvanceStreamTime(std::uint32_t frames) override;
 
  private:

@@ -1,5 +1,4 @@
-// The compressor's signal path: stereo-linked, in place, in all sample formats. Streaming thread only; no allocation,
-// no lock of its own.
+// The compressor's signal path: stereo-linked, in place, in all sample formats.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +7,7 @@
 #include "effects/compressor/compressor_kernel.h"
 #include "effects/compressor/compressor_meters.h"
 #include "effects/compressor/compressor_settings.h"
-#include "shell/effect.h"
-#include "shell/record_control.h"
-#include "shell/stream_format.h"
-#include "support/result.h"
+#include "shell/automated_engine.h"
 
 namespace tervan {
 
@@ -25,47 +21,30 @@ class CompressorEngineOwner : public SettingsSource<CompressorSettings> {
   ~CompressorEngineOwner() = default;
 };
 
-class CompressorEngine {
+class CompressorEngine final : public AutomatedEngine<CompressorEngine, CompressorSettings, CompressorEngineOwner> {
  public:
-  explicit CompressorEngine(CompressorEngineOwner& owner) : owner_(owner) {}
-
-  // Another rate than before asks for new settings.
-  void SetFormat(const StreamFormat& format);
-
-  // Loads the settings with a reset.
-  void Start() { LoadSnapshot(ProcessMode::kDiscontinuity, true); }
-
-  bool loaded() const { return loaded_; }
-
-  // Derives the coefficients. keep_state kDiscontinuity: gain and low-pass start anew; the detector does in any case.
-  void LoadParameters(const CompressorSettings& settings, ProcessMode keep_state);
-
-  // *frames interleaved frames in place, with the format's channel count. In kDrain mode nothing is touched: S_FALSE
-  // and no frames.
-  HRESULT ProcessPcm8(ProcessMode mode, std::uint8_t* data, std::uint32_t* frames);
-  HRESULT ProcessPcm16(ProcessMode mode, std::int16_t* data, std::uint32_t* frames);
-  HRESULT ProcessPcm32(ProcessMode mode, std::int32_t* data, std::uint32_t* frames);
-  HRESULT ProcessFloat64(ProcessMode mode, double* data, std::uint32_t* frames);
-
-  // Meters only while the filter is watched. stop: publishes the idle record, asks for new settings, S_FALSE and no
-  // frames.
-  HRESULT ProcessFloat32(ProcessMode mode, float* data, std::uint32_t* frames, bool stop);
+  using AutomatedEngine::AutomatedEngine;
 
  private:
-  template <typename Codec>
-  HRESULT ProcessSnapshot(ProcessMode mode, typename Codec::Sample* data, std::uint32_t* frames);
-  template <typename Codec>
-  void ProcessMetered(typename Codec::Sample* data, std::uint32_t frames, bool untouched);
-  template <typename Codec, bool kSingle, typename Meter>
-  void Run(typename Codec::Sample* data, std::uint32_t frames, Meter& meter);
-  void Publish(const compressor::PeakMeter& meter);
-  void LoadSnapshot(ProcessMode mode, bool always);
+  friend class AutomatedEngine<CompressorEngine, CompressorSettings, CompressorEngineOwner>;
 
-  CompressorEngineOwner& owner_;
-  StreamFormat format_{};
+  // The detector starts anew in any case.
+  void Design(const CompressorSettings& settings, ProcessMode keep_state);
+
+  // 32-bit floats are metered only while the filter is watched.
+  template <typename Codec>
+  void Run(typename Codec::Sample* data, std::uint32_t frames);
+
+  bool Ends();
+
+  template <typename Codec>
+  void RunMetered(typename Codec::Sample* data, std::uint32_t frames, bool untouched);
+  template <typename Codec, bool kSingle, typename Meter>
+  void RunFrames(typename Codec::Sample* data, std::uint32_t frames, Meter& meter);
+  void Publish(const compressor::PeakMeter& meter);
+
   CompressorCoefficients coefficients_;
   compressor::State state_;
-  bool loaded_ = false;
 };
 
 }  // namespace tervan

@@ -19,17 +19,13 @@
 #include <type_traits>
 
 #include "effects/compressor/compressor_coefficients.h"
+#include "effects/dynamics/frame_level.h"
 #include "shell/sample_codec.h"
 
 namespace tervan::compressor {
 
-inline constexpr double kStateFloor = 0x1p-32;  // smaller filter states become 0: silence must not end in subnormals
-
-// First-order bilinear filters designed at 44100 Hz and used as they are at every rate.
-inline constexpr double kLowPassA = 0.014048380811045;  // low-pass, 200 Hz
-inline constexpr double kLowPassB = 0.97190323837791;
-inline constexpr double kValleyIn = -0.99645073068706;  // high-pass, 50 Hz
-inline constexpr double kValleyFeedback = 0.99290146137413;
+// First-order bilinear high-pass, 50 Hz at 44100 Hz, used at every rate.
+inline constexpr dynamics::ValleyFilter kValleyFilter{.in = -0.99645073068706, .feedback = 0.99290146137413};
 
 inline constexpr double kHoldDecay = 0.999;  // of the held level, per frame
 inline constexpr double kHoldGrowth = 1.0 / kHoldDecay;
@@ -37,12 +33,6 @@ inline constexpr float kHoldDecaySingle = 0.999f;
 
 // A gain that fades to silence ends at 0: subnormals would make every frame several times as expensive.
 inline constexpr double kLeastGain = std::numeric_limits<double>::min();
-
-inline constexpr double kLowPassStart = 0.5;  // its steady state for a gain of 1
-
-// Levels above are taken for 0: infinities and NaNs must not enter a state, nor may what is left overflow there.
-template <typename Sample>
-inline constexpr double kLevelLimit = std::is_same_v<Sample, float> ? 1e37 : 1e300;
 
 // What the loop carries from frame to frame.
 struct State {
@@ -53,16 +43,6 @@ struct State {
   double low_pass = 0.0;
   float hold_single = 0.0f;  // the hold of the single-precision path
 };
-
-inline double Flushed(double state) noexcept { return std::fabs(state) < kStateFloor ? 0.0 : state; }
-
-// Level of a frame whose channels' peak is p.
-inline double FilledLevel(double p, double& valley) noexcept {
-  const double before = Flushed(valley);
-  valley = kValleyFeedback * before + kValleyIn * p;
-  const double rise = valley - before;
-  return rise > 0.0 ? p + rise : p;
-}
 
 // Target gain for a level. Level and Hold are double, or float for the single-precision path.
 template <typename Level>
@@ -84,11 +64,7 @@ inline double TargetGain(const CompressorCoefficients& c, Level level, Level thr
 inline double SmoothedGain(const CompressorCoefficients& c, double gain, double target, double& low_pass) noexcept {
   gain =
       target < gain ? c.attack * gain + c.attack_complement * target : c.release * gain + c.release_complement * target;
-  if (c.smooth) {
-    const double before = Flushed(low_pass);
-    low_pass = kLowPassA * gain + kLowPassB * before;
-    gain = low_pass + before;
-  }
+  if (c.smooth) gain = dynamics::LowPassed(gain, low_pass);
   if (gain < kLeastGain) [[unlikely]]
     gain = 0.0;
   return gain;
@@ -99,7 +75,7 @@ template <typename Codec>
 double MeterLevel(typename Codec::Sample sample) noexcept {
   const double level = std::fabs(Codec::Decode(sample));
   if constexpr (std::is_same_v<Codec, Pcm16Codec>) return std::min(level, 32767.0 / 32768.0);
-  return level <= kLevelLimit<typename Codec::Sample> ? level : 0.0;
+  return level <= dynamics::kLevelLimit<typename Codec::Sample> ? level : 0.0;
 }
 
 // Metering of the loop: peaks of channels 0 and 1 before and after, and the smallest gain.
@@ -133,22 +109,15 @@ struct NoMeter {
 template <typename Codec, std::size_t kChannels, bool kSingle, typename Meter>
 void RunFrames(const CompressorCoefficients& coefficients, State& state, typename Codec::Sample* samples,
                std::uint32_t frames, Meter& meter_out) noexcept {
-  using Sample = typename Codec::Sample;
   const CompressorCoefficients c = coefficients;
   const auto threshold_single = static_cast<float>(c.threshold_in);
   State s = state;
   Meter meter = meter_out;
   for (std::uint32_t frame = 0; frame < frames; ++frame, samples += kChannels) {
     double x[kChannels];
-    double peak = 0.0;
-    for (std::size_t channel = 0; channel < kChannels; ++channel) {
-      meter.template In<Codec>(channel, samples[channel]);
-      x[channel] = Codec::Decode(samples[channel]);
-      peak = std::max(peak, std::fabs(x[channel]));
-    }
-    if constexpr (std::is_floating_point_v<Sample>) peak = peak <= kLevelLimit<Sample> ? peak : 0.0;
-
-    const double level = FilledLevel(peak, s.valley);
+    for (std::size_t channel = 0; channel < kChannels; ++channel) meter.template In<Codec>(channel, samples[channel]);
+    const double peak = dynamics::DecodeFrame<Codec>(samples, x);
+    const double level = dynamics::FilledLevel(kValleyFilter, peak, s.valley);
     double target;
     if constexpr (kSingle) {
       target = TargetGain(c, static_cast<float>(level), threshold_single, kHoldDecaySingle, s.hold_single, s.reduction);
