@@ -14,10 +14,14 @@ size_t AudioFormat::SampleBytes() const {
   return 0;
 }
 
-AudioFormat EffectFormat(const AudioFormat& file_format) {
-  AudioFormat format = file_format;
-  if (format.type == SampleType::kPcm24) format.type = SampleType::kPcm32;
-  return format;
+std::optional<SampleType> PcmType(long bits) {
+  switch (bits) {
+    case 8: return SampleType::kPcm8;
+    case 16: return SampleType::kPcm16;
+    case 24: return SampleType::kPcm24;
+    case 32: return SampleType::kPcm32;
+    default: return std::nullopt;
+  }
 }
 
 WAVEFORMATEX ToWaveFormat(const AudioFormat& format) {

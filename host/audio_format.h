@@ -1,4 +1,4 @@
-// The sample formats of WAV files, and which of them effects work on.
+// The sample formats of WAV files.
 #pragma once
 
 #include <windows.h>
@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace tervan::host {
@@ -21,11 +22,12 @@ struct AudioFormat {
   size_t SampleBytes() const;
   size_t FrameBytes() const { return SampleBytes() * channels; }
   bool IsFloat() const { return type == SampleType::kFloat32 || type == SampleType::kFloat64; }
+  AudioFormat With(SampleType other) const { return {other, channels, rate_hz}; }
   bool operator==(const AudioFormat&) const = default;
 };
 
-// What effects are given for a file of this format: 24-bit samples become 32-bit ones, everything else stays.
-AudioFormat EffectFormat(const AudioFormat& file_format);
+// Integers of this word length; nothing for one that WAV files do not have here.
+std::optional<SampleType> PcmType(long bits);
 
 // The plain form, without extension.
 WAVEFORMATEX ToWaveFormat(const AudioFormat& format);

@@ -5,7 +5,6 @@
 
 #include "directshow/com_ptr.h"
 #include "host/failure.h"
-#include "host/sample_convert.h"
 #include "host/text.h"
 #include "shell/plugin_interfaces.h"
 
@@ -67,14 +66,12 @@ void RenderDirectly(RenderInput& input, RenderOutput& output, std::span<const Ef
   std::vector<Stage> stages;
   for (const EffectInstance& effect : chain) stages.emplace_back(effect, format);
 
-  std::vector<unsigned char> raw(buffer_frames * format.FrameBytes());
   std::vector<float> buffer(buffer_frames * format.channels);
   bool goes_on = true;
   while (goes_on) {
     ThrowIfInterrupted();
-    const size_t frames = input.Read(raw.data(), buffer_frames);
+    const size_t frames = input.Read(buffer.data(), buffer_frames);
     if (frames == 0) break;
-    ToFloat32(format.type, raw.data(), buffer.data(), frames * format.channels);
     goes_on = PassOn(stages, output, buffer.data(), frames);
     progress.Show(input.FramesRead());
   }

@@ -9,7 +9,7 @@
 
 namespace tervan::host {
 
-// The output is of 32-bit float. Throws a Failure.
+// Input and output are of 32-bit float. Throws a Failure.
 void RenderDirectly(RenderInput& input, RenderOutput& output, std::span<const EffectInstance> chain,
                     size_t buffer_frames, ProgressLine& progress);
 

@@ -10,7 +10,8 @@ namespace tervan::host {
 
 void LevelMeter::Add(SampleType type, const void* data, size_t samples) {
   samples_ += samples;
-  VisitSamples(type, data, [&](const auto* typed) {
+  VisitSampleType(type, [&](auto sample_type) {
+    const auto* typed = static_cast<const decltype(sample_type)*>(data);
     double peak = peak_;
     double square_sum = 0.0;
     for (size_t i = 0; i < samples; ++i) {

@@ -10,7 +10,7 @@ namespace tervan::host {
 
 class LevelMeter {
  public:
-  // The type is not kPcm24. Samples that are not finite count as silence.
+  // Samples that are not finite count as silence.
   void Add(SampleType type, const void* data, size_t samples);
 
   // dBFS: a square wave of full scale has peak 0 and RMS 0. Minus infinity for silence.

@@ -31,6 +31,10 @@ Options of render
                                  A colon starts a new setting only where KEY= follows, so names and paths may hold
                                  colons; a value in double quotes is taken as it is.
   --path graph|direct            through a filter graph (default), or as plain buffers of 32-bit float
+  --bits 8|16|24|32              writes integers of this word length, rounded to the nearest and limited at full scale.
+                                 Integer files then run through the graph as 64-bit float, so that nothing is cut off
+                                 before the end. After a dither of the same depth nothing is left to round. Otherwise
+                                 the output has the format that the effects worked on.
   --automation FILE.csv          lines of: parameter, start s, end s, start value, end value, curve
                                  Curves: jump, linear, square, invsquare. In a chain the parameter is written with the
                                  effect in front: compressor.threshold, or 2.threshold for the second effect.
@@ -110,6 +114,11 @@ class Parser {
       const std::string value = Value(name);
       if (value != "graph" && value != "direct") Fail("--path takes graph or direct, not " + Quoted(value));
       options_.path = value == "graph" ? RenderPath::kGraph : RenderPath::kDirect;
+    } else if (name == "--bits") {
+      const std::string value = Value(name);
+      const auto bits = ParseInteger(value);
+      options_.word_length = bits ? PcmType(*bits) : std::nullopt;
+      if (!options_.word_length) Fail("--bits takes 8, 16, 24 or 32, not " + Quoted(value));
     } else if (name == "--automation") {
       options_.automation_path = Value(name);
     } else if (name == "--load-state") {

@@ -1,10 +1,12 @@
 // What the command line asks for.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "host/audio_format.h"
 #include "host/effect_request.h"
 
 namespace tervan::host {
@@ -23,7 +25,8 @@ struct Options {
   std::string output;  // a pattern when there are several inputs
   std::vector<EffectRequest> effects;
   RenderPath path = RenderPath::kGraph;
-  std::string automation_path;  // empty: none
+  std::optional<SampleType> word_length;  // integers to write; nothing: what the effects worked on
+  std::string automation_path;            // empty: none
   bool force = false;
 };
 

@@ -63,25 +63,32 @@ void CheckPaths(const Options& options, std::span<const StateFile> states) {
   for (const StateFile& state : states) CheckReplaceable(state.path, options.force);
 }
 
+// What the effects work on. Integers that shall be cut to a word length are cut once, at the end of the chain.
+SampleType WorkingType(const Options& options, const AudioFormat& input) {
+  if (options.path == RenderPath::kDirect) return SampleType::kFloat32;
+  if (options.word_length && !input.IsFloat()) return SampleType::kFloat64;
+  if (input.type == SampleType::kPcm24) return SampleType::kPcm32;  // effects take none of 24 bits
+  return input.type;
+}
+
 Levels LevelsOf(const LevelMeter& meter) { return {meter.PeakDb(), meter.RmsDb()}; }
 
 void RenderFile(const Plan& plan, FileReport* report) {
   const auto start = std::chrono::steady_clock::now();
   WavReader reader(report->input);
-  report->input_format = reader.FileFormat();
-  report->output_format = reader.Format();
-  const bool is_direct = plan.options.path == RenderPath::kDirect;
-  if (is_direct) report->output_format.type = SampleType::kFloat32;
+  const SampleType type = WorkingType(plan.options, reader.Format());
+  report->input_format = reader.Format();
+  report->output_format = reader.Format().With(plan.options.word_length.value_or(type));
   WavWriter writer(report->output, report->output_format, reader.Frames(), plan.options.force);
 
   // New effects for every file: nothing of one may be heard in the next.
   std::vector<EffectInstance> chain = MakeChain(plan);
   for (const Envelope& envelope : plan.automation) chain[envelope.effect].Automate(envelope.param, envelope.segments);
-  RenderInput input(reader);
-  RenderOutput output(writer, chain, plan.meter_window ? plan.meter_window->Get() : nullptr);
+  RenderInput input(reader, type);
+  RenderOutput output(writer, type, chain, plan.meter_window ? plan.meter_window->Get() : nullptr);
   ProgressLine progress(report->input, reader.Frames());
   const size_t buffer_frames = BufferFrames(reader.Format(), !plan.automation.empty());
-  const auto render = is_direct ? RenderDirectly : RenderThroughGraph;
+  const auto render = plan.options.path == RenderPath::kDirect ? RenderDirectly : RenderThroughGraph;
   render(input, output, chain, buffer_frames, progress);
   ThrowIfInterrupted();
   writer.Finish();

@@ -2,11 +2,29 @@
 
 #include <algorithm>
 
+#include "host/sample_convert.h"
+
 namespace tervan::host {
+namespace {
+
+// Room for these frames; it never shrinks, so a rendering allocates it once.
+void* Room(std::vector<std::uint8_t>& buffer, const AudioFormat& format, size_t frames) {
+  buffer.resize(std::max(buffer.size(), frames * format.FrameBytes()));
+  return buffer.data();
+}
+
+}  // namespace
+
+RenderInput::RenderInput(WavReader& reader, SampleType type) : reader_(reader), format_(reader.Format().With(type)) {}
 
 size_t RenderInput::Read(void* data, size_t frames) {
-  frames = reader_.Read(data, frames);
-  levels_.Add(Format().type, data, frames * Format().channels);
+  const AudioFormat& file_format = reader_.Format();
+  const bool is_converted = file_format != format_;
+  void* const read = is_converted ? Room(unconverted_, file_format, frames) : data;
+  frames = reader_.Read(read, frames);
+  const size_t samples = frames * format_.channels;
+  levels_.Add(file_format.type, read, samples);
+  if (is_converted) ConvertSamples(file_format.type, read, format_.type, data, samples);
   frames_read_ += frames;
   return frames;
 }
@@ -49,8 +67,18 @@ std::vector<std::optional<double>> ReductionWatch::LargestDb() const {
   return reductions;
 }
 
+RenderOutput::RenderOutput(WavWriter& writer, SampleType type, std::span<const EffectInstance> chain, HWND meter_window)
+    : writer_(writer), format_(writer.Format().With(type)), reductions_(chain, meter_window) {}
+
 void RenderOutput::Write(const void* data, size_t frames) {
-  levels_.Add(Format().type, data, frames * Format().channels);
+  const AudioFormat& file_format = writer_.Format();
+  const size_t samples = frames * format_.channels;
+  if (file_format != format_) {
+    void* const converted = Room(converted_, file_format, frames);
+    ConvertSamples(format_.type, data, file_format.type, converted, samples);
+    data = converted;
+  }
+  levels_.Add(file_format.type, data, samples);
   reductions_.Poll();
   writer_.Write(data, frames);
 }

@@ -18,18 +18,21 @@ namespace tervan::host {
 
 class RenderInput {
  public:
-  explicit RenderInput(WavReader& reader) : reader_(reader) {}
+  // Delivers samples of this type, whatever the file holds.
+  RenderInput(WavReader& reader, SampleType type);
 
-  const AudioFormat& Format() const { return reader_.Format(); }
+  const AudioFormat& Format() const { return format_; }
   std::uint64_t Frames() const { return reader_.Frames(); }
-  // As WavReader::Read. [stream]
+  // As WavReader::Read, in Format(). [stream]
   size_t Read(void* data, size_t frames);
 
-  const LevelMeter& Levels() const { return levels_; }              // once the rendering is over
+  const LevelMeter& Levels() const { return levels_; }              // of the file, once the rendering is over
   std::uint64_t FramesRead() const { return frames_read_.load(); }  // [any thread]
 
  private:
   WavReader& reader_;
+  const AudioFormat format_;
+  std::vector<std::uint8_t> unconverted_;
   LevelMeter levels_;
   std::atomic<std::uint64_t> frames_read_{0};
 };
@@ -76,18 +79,20 @@ class ReductionWatch {
 
 class RenderOutput {
  public:
-  RenderOutput(WavWriter& writer, std::span<const EffectInstance> chain, HWND meter_window)
-      : writer_(writer), reductions_(chain, meter_window) {}
+  // Takes samples of this type, whatever the file will hold.
+  RenderOutput(WavWriter& writer, SampleType type, std::span<const EffectInstance> chain, HWND meter_window);
 
-  const AudioFormat& Format() const { return writer_.Format(); }
-  // Takes frames that have passed the chain. Throws a Failure. [stream]
+  const AudioFormat& Format() const { return format_; }
+  // Takes frames that have passed the chain, in Format(). Throws a Failure. [stream]
   void Write(const void* data, size_t frames);
 
-  const LevelMeter& Levels() const { return levels_; }
+  const LevelMeter& Levels() const { return levels_; }  // of the file
   const ReductionWatch& Reductions() const { return reductions_; }
 
  private:
   WavWriter& writer_;
+  const AudioFormat format_;
+  std::vector<std::uint8_t> converted_;
   LevelMeter levels_;
   ReductionWatch reductions_;
 };

@@ -1,20 +1,38 @@
 #include "host/sample_convert.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "host/sample_view.h"
 
 namespace tervan::host {
+namespace {
 
-void Expand24To32(const std::uint8_t* packed, std::int32_t* out, size_t samples) {
-  for (size_t i = 0; i < samples; ++i, packed += 3) {
-    const std::uint32_t bits =
-        std::uint32_t{packed[0]} << 8 | std::uint32_t{packed[1]} << 16 | std::uint32_t{packed[2]} << 24;
-    out[i] = static_cast<std::int32_t>(bits);
-  }
+// full_scale is 2^(bits - 1), at most 2^31.
+std::int32_t Quantised(double value, double full_scale) {
+  if (std::isnan(value)) return 0;
+  return std::lrint(std::clamp(value * full_scale, -full_scale, full_scale - 1.0));
 }
 
-void ToFloat32(SampleType type, const void* in, float* out, size_t samples) {
-  VisitSamples(type, in, [=](const auto* typed) {
-    for (size_t i = 0; i < samples; ++i) out[i] = static_cast<float>(Normalised(typed[i]));
+void Set(std::uint8_t* sample, double value) { *sample = static_cast<std::uint8_t>(Quantised(value, 0x1p7) + 128); }
+void Set(std::int16_t* sample, double value) { *sample = static_cast<std::int16_t>(Quantised(value, 0x1p15)); }
+void Set(std::int32_t* sample, double value) { *sample = Quantised(value, 0x1p31); }
+void Set(Packed24* sample, double value) {
+  const auto bits = static_cast<std::uint32_t>(Quantised(value, 0x1p23));
+  for (int i = 0; i < 3; ++i) sample->bytes[i] = static_cast<std::uint8_t>(bits >> 8 * i);
+}
+void Set(float* sample, double value) { *sample = static_cast<float>(value); }
+void Set(double* sample, double value) { *sample = value; }
+
+}  // namespace
+
+void ConvertSamples(SampleType from, const void* in, SampleType to, void* out, size_t samples) {
+  VisitSampleType(from, [=](auto in_type) {
+    VisitSampleType(to, [=](auto out_type) {
+      const auto* typed_in = static_cast<const decltype(in_type)*>(in);
+      auto* typed_out = static_cast<decltype(out_type)*>(out);
+      for (size_t i = 0; i < samples; ++i) Set(&typed_out[i], Normalised(typed_in[i]));
+    });
   });
 }
 

@@ -2,16 +2,13 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 
 #include "host/audio_format.h"
 
 namespace tervan::host {
 
-// Each 3-byte sample becomes the upper 24 bits of a 32-bit one.
-void Expand24To32(const std::uint8_t* packed, std::int32_t* out, size_t samples);
-
-// To 32-bit float with full scale 1.0. The type is not kPcm24.
-void ToFloat32(SampleType type, const void* in, float* out, size_t samples);
+// Full scale stays full scale. A sample that the new type can hold keeps its value. Any other becomes the nearest that
+// there is, the even one of two equally near: integers saturate, and a NaN becomes silence in them.
+void ConvertSamples(SampleType from, const void* in, SampleType to, void* out, size_t samples);
 
 }  // namespace tervan::host

@@ -9,7 +9,6 @@
 #include <optional>
 
 #include "host/failure.h"
-#include "host/sample_convert.h"
 #include "host/text.h"
 
 namespace tervan::host {
@@ -126,12 +125,7 @@ class HeaderParser {
 
   SampleType TypeOf(WORD tag, WORD bits) const {
     if (tag == WAVE_FORMAT_PCM) {
-      switch (bits) {
-        case 8: return SampleType::kPcm8;
-        case 16: return SampleType::kPcm16;
-        case 24: return SampleType::kPcm24;
-        case 32: return SampleType::kPcm32;
-      }
+      if (const auto type = PcmType(bits)) return *type;
       Fail("has " + std::to_string(bits) + "-bit PCM samples; supported are 8, 16, 24 and 32 bits");
     }
     if (tag == WAVE_FORMAT_IEEE_FLOAT) {
@@ -167,22 +161,16 @@ class HeaderParser {
 
 WavReader::WavReader(const std::string& path) : file_(FileHandle::OpenForReading(path)) {
   DataSpan data{};
-  HeaderParser(file_).Parse(&file_format_, &data);
-  format_ = EffectFormat(file_format_);
-  frames_ = data.bytes / file_format_.FrameBytes();  // a trailing part of a frame is not audio
+  HeaderParser(file_).Parse(&format_, &data);
+  frames_ = data.bytes / format_.FrameBytes();  // a trailing part of a frame is not audio
   frames_left_ = frames_;
   file_.Seek(data.offset);
 }
 
 size_t WavReader::Read(void* data, size_t frames) {
   frames = static_cast<size_t>(std::min<std::uint64_t>(frames, frames_left_));
-  const size_t bytes = frames * file_format_.FrameBytes();
-  const bool is_packed = file_format_.type == SampleType::kPcm24;
-  if (is_packed) packed_.resize(std::max(packed_.size(), bytes));
-  if (file_.Read(is_packed ? packed_.data() : data, bytes) != bytes) {
-    throw Failure(Quoted(Path()) + " became shorter while it was read");
-  }
-  if (is_packed) Expand24To32(packed_.data(), static_cast<std::int32_t*>(data), frames * format_.channels);
+  const size_t bytes = frames * format_.FrameBytes();
+  if (file_.Read(data, bytes) != bytes) throw Failure(Quoted(Path()) + " became shorter while it was read");
   frames_left_ -= frames;
   return frames;
 }

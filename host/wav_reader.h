@@ -1,4 +1,4 @@
-// Streams a WAV file in the format that effects take. Headers are read through the platform's RIFF functions; samples
+// Streams the samples of a WAV file. Headers are read through the platform's RIFF functions; samples
 // through the file's handle, because those functions count bytes in 32 signed bits and a WAV may have up to 4 GiB.
 //
 // Accepted: PCM of 8, 16, 24 and 32 bits and float of 32 and 64 bits, mono or stereo, in the plain or the extensible
@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "host/audio_format.h"
 #include "host/file_handle.h"
@@ -20,8 +19,6 @@ class WavReader {
   explicit WavReader(const std::string& path);
 
   const std::string& Path() const { return file_.Path(); }
-  const AudioFormat& FileFormat() const { return file_format_; }
-  // What Read delivers: EffectFormat(FileFormat()).
   const AudioFormat& Format() const { return format_; }
   std::uint64_t Frames() const { return frames_; }
 
@@ -30,11 +27,9 @@ class WavReader {
 
  private:
   FileHandle file_;
-  AudioFormat file_format_{};
   AudioFormat format_{};
   std::uint64_t frames_ = 0;
   std::uint64_t frames_left_ = 0;
-  std::vector<std::uint8_t> packed_;  // 24-bit samples on their way
 };
 
 }  // namespace tervan::host

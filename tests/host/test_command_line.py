@@ -201,6 +201,8 @@ RENDER = ("render", "in.wav", "out.wav")
         (["render", "in.wav", "in.wav", "out.wav"], "{name}"),
         (["render", "in.wav", "./in.wav", "{name}-2.wav"], "twice"),
         ([*RENDER, "--path", "tape"], '"tape"'),
+        ([*RENDER, "--bits", "12"], "8, 16, 24 or 32"),
+        ([*RENDER, "--bits", "16", "--bits=16x"], '"16x"'),
         ([*RENDER, "--effect"], "--effect"),
         ([*RENDER, "--effect", ":threshold=-3"], "no name"),
         ([*RENDER, "--effect", "reverb"], '"reverb"'),

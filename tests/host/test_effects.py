@@ -27,7 +27,7 @@ def gains(host, samples, *arguments):
     """Output divided by input, sample by sample of a mono file."""
     host.write("in.wav", wav.wav("float32", samples, channels=1))
     host.render("in.wav", "out.wav", *arguments)
-    out = wav.parse(host.read("out.wav")).floats()
+    out = wav.parse(host.read("out.wav")).samples()
     assert len(out) == len(samples)
     return [y / x for x, y in zip(samples, out)]
 

@@ -1,11 +1,13 @@
 """What goes in and what comes out, format by format, through the graph and directly."""
 
+import math
 import struct
 
 import pytest
 
 import wav
 
+PATHS = pytest.mark.parametrize("path", ["graph", "direct"])
 BYPASS = ("--effect", "compressor:bypass=on")  # leaves every sample as it is, in every format
 
 
@@ -56,7 +58,50 @@ def test_direct_path_writes_32_bit_float_of_the_same_full_scale(host, name):
     assert out.data == wav.pack("float32", samples)
 
 
-@pytest.mark.parametrize("path", ["graph", "direct"])
+@PATHS
+@pytest.mark.parametrize("bits", [8, 16, 24, 32])
+def test_a_word_length_is_rounded_to_and_limits_at_full_scale(host, bits, path):
+    step = 2.0 ** (1 - bits)
+    near_zero = [steps * step for steps in (0.5, 1.5, -0.5, -2.5, 0.49, -0.51, 3, -7)]
+    samples = [*near_zero, 1 - step, 1.0, -1.0, 1.5, -1.5, math.inf, -math.inf, 0.25, *wav.tones(500)]
+    samples = struct.unpack(f"<{len(samples)}f", wav.pack("float32", samples))  # what the file can hold
+    host.write("in.wav", wav.wav("float32", [*samples, math.nan, math.nan]))
+    report = host.render("in.wav", "out.wav", "--path", path, "--bits", bits, "--json").json()["files"][0]
+    out = wav.parse(host.read("out.wav"))
+    assert (out.tag, out.bits) == (wav.PCM, bits)
+    assert out.data == wav.pack(f"pcm{bits}", [*samples, 0, 0])
+    assert (report["output_format"]["bits"], report["output_levels"]["peak_dbfs"]) == (bits, 0)
+
+
+@pytest.mark.parametrize(
+    "path, name, bits",
+    [
+        ("graph", "pcm8", 8),
+        ("graph", "pcm16", 24),
+        ("graph", "pcm32", 32),  # 32-bit float does not hold it
+        ("direct", "pcm16", 16),
+        ("direct", "pcm24", 24),
+    ],
+)
+def test_a_word_length_that_holds_the_file_changes_nothing(host, path, name, bits):
+    file = wav.wav(name, [-1.0, 0.5, 2.0**-7, -(2.0**-7), *wav.tones(500)])
+    host.write("in.wav", file)
+    host.render("in.wav", "out.wav", "--path", path, "--bits", bits, *BYPASS)
+    out = wav.parse(host.read("out.wav"))
+    assert (out.bits, out.samples()) == (bits, wav.parse(file).samples())
+
+
+@PATHS
+def test_with_a_word_length_samples_are_cut_only_at_the_end(host, path):
+    data = wav.pack("pcm16", wav.tones(5000))
+    host.write("in.wav", wav.riff(wav.fmt("pcm16"), wav.chunk(b"data", data)))
+    down_and_up = [f"compressor:auto-gain=off:threshold=-10:output gain={gain_db}" for gain_db in (-20, 20)]
+    chain = [word for effect in down_and_up for word in ("--effect", effect)]
+    host.render("in.wav", "out.wav", "--path", path, "--bits=16", *chain)
+    assert wav.parse(host.read("out.wav")).data == data
+
+
+@PATHS
 def test_a_new_compressor_does_not_touch_float(host, path):
     data = wav.pack("float32", wav.tones(20000))
     host.write("in.wav", wav.riff(wav.fmt(), wav.chunk(b"data", data)))
@@ -86,7 +131,7 @@ def test_unusual_but_readable_files(host, content):
     assert wav.parse(host.read("out.wav")).data == DATA
 
 
-@pytest.mark.parametrize("path", ["graph", "direct"])
+@PATHS
 def test_a_file_without_audio_gives_one_without_audio(host, path):
     host.write("in.wav", wav.wav("float32", []))
     report = host.render("in.wav", "out.wav", "--path", path, "--json", *BYPASS).json()["files"][0]

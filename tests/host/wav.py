@@ -24,7 +24,7 @@ def pack(name, samples):
     if tag == FLOAT:
         return struct.pack(f"<{len(samples)}{code}", *samples)
     scale = 2 ** (bits - 1)
-    values = [max(-scale, min(scale - 1, round(sample * scale))) for sample in samples]
+    values = [round(max(-scale, min(scale - 1, sample * scale))) for sample in samples]
     if name == "pcm8":
         return bytes(value + 128 for value in values)
     if name == "pcm24":
@@ -70,8 +70,15 @@ class Wav:
     data: bytes
     fact: bytes | None
 
-    def floats(self):
-        return struct.unpack(f"<{len(self.data) // 4}f", self.data)
+    def samples(self):
+        """Full scale 1.0, as pack takes them."""
+        step = self.bits // 8
+        if self.tag == FLOAT:
+            return list(struct.unpack(f"<{len(self.data) // step}{'f' if self.bits == 32 else 'd'}", self.data))
+        words = [self.data[i : i + step] for i in range(0, len(self.data), step)]
+        if self.bits == 8:
+            return [(word[0] - 128) / 128 for word in words]
+        return [int.from_bytes(word, "little", signed=True) / 2 ** (self.bits - 1) for word in words]
 
 
 def parse(content):
