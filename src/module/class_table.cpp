@@ -4,6 +4,7 @@
 
 #include "directshow/com_ptr.h"
 #include "effects/compressor/compressor_filter.h"
+#include "effects/gate/gate_filter.h"
 
 namespace tervan {
 namespace {
@@ -20,6 +21,7 @@ directshow::ComObject* Create(IUnknown* outer, HRESULT* result) {
 
 constexpr ClassTemplate kClasses[] = {
     {kCompressorFilterName, &kCompressorTraits.filter_clsid, Create<CompressorFilter>, &kCompressorFilterSetup},
+    {kGateFilterName, &kGateTraits.filter_clsid, Create<GateFilter>, &kGateFilterSetup},
 };
 
 }  // namespace

@@ -10,9 +10,11 @@ namespace tervan {
 
 using WindowHandle = void*;
 
-// Codes that all effects post when a media type has been set.
+// Codes that effects post. The compressor has one of its own for replaced settings.
 inline constexpr std::uint16_t kInputFormatSet = 0;
 inline constexpr std::uint16_t kOutputFormatSet = 1;
+inline constexpr std::uint16_t kParamSetByHost = 0;
+inline constexpr std::uint16_t kSettingsReplaced = 100;
 
 // How notifications reach a window. Neither call waits for the window's thread.
 class WindowPoster {

@@ -22,7 +22,6 @@ class StreamClock {
 
 namespace compressor {
 
-inline constexpr std::uint16_t kParamSetByHost = 0;
 inline constexpr std::uint16_t kSettingsReplaced = 32701;
 inline constexpr std::uint16_t kStreamingStarted = 32702;
 inline constexpr std::uint16_t kMetersReset = 32703;

@@ -10,7 +10,7 @@ constinit const EffectTraits kCompressorTraits{
     .drains_at_end = true,
     .mode_settles = ModeSettles::kAfterPush,
     .settings_replaced_code = compressor::kSettingsReplaced,
-    .param_set_code = compressor::kParamSetByHost,
+    .param_set_code = kParamSetByHost,
     .stored = {compressor::kForms, sizeof(CompressorSettings), LoadNotifies::kAfterBodyRead},
     .presets = ListOf(compressor::kPresets),
 };

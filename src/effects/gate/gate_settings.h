@@ -19,6 +19,9 @@ struct GateSettings {
 };
 static_assert(sizeof(GateSettings) == 16);
 
+// Row numbers of the parameter table. Hosts save them.
+enum class GateParam : std::uint32_t { kThresholdLevel, kAttackTime, kReleaseTime, kBypass };
+
 namespace gate {
 
 inline constexpr ControlKind kInteger = ControlKind::kInteger;
