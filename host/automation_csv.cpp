@@ -60,6 +60,10 @@ class Reader {
 
     const auto [effect, param] = ParamNamed(fields[0]);
     const ParamDescription& description = chain_[effect].Params()[param];
+    if (description.curve_caps == 0) {
+      throw UsageError("the " + description.label + " of the " + std::string(chain_[effect].Type().name) +
+                       " cannot be automated");
+    }
     const auto start = ParseTime(fields[1]), end = ParseTime(fields[2]);
     if (!start || !end || *end <= *start) {
       throw UsageError("start and end are seconds from 0 on, the end after the start");

@@ -43,12 +43,30 @@ ComPtr<IStream> MemoryStream() {
 EffectInstance::EffectInstance(const Module& module, const EffectType& type)
     : type_(&type), filter_(module.CreateFilter(type.clsid)) {
   if (const auto info = As<IMediaParamInfo>()) params_ = ReadParams(*info);
+  for (const Choice& choice : type.choices) params_.push_back(DescribeChoice(choice));
+}
+
+const Choice* EffectInstance::ChoiceAt(DWORD index) const {
+  const size_t media_params = params_.size() - type_->choices.size();
+  return index < media_params ? nullptr : &type_->choices[index - media_params];
+}
+
+HRESULT EffectInstance::SetParam(DWORD index, float value) {
+  if (const Choice* choice = ChoiceAt(index)) return choice->set(*filter_, static_cast<INT32>(value));
+  const auto params = As<IMediaParams>();
+  return params ? params->SetParam(index, value) : E_NOINTERFACE;
 }
 
 float EffectInstance::ParamValue(DWORD index) const {
+  const char* const problem = "the effect does not tell a parameter";
+  if (const Choice* choice = ChoiceAt(index)) {
+    INT32 item = 0;
+    Check(choice->get(*filter_, &item), problem);
+    return static_cast<float>(item);
+  }
   MP_DATA value = 0;
   const auto params = As<IMediaParams>();
-  Check(params ? params->GetParam(index, &value) : E_NOINTERFACE, "the effect does not tell a parameter");
+  Check(params ? params->GetParam(index, &value) : E_NOINTERFACE, problem);
   return value;
 }
 
@@ -71,9 +89,7 @@ void EffectInstance::Apply(const Setting& setting) {
   if (setting.key == kLoadKey) return LoadState(setting.value);
   const DWORD index = FindParam(params_, setting.key, type_->name);
   const float value = ParseParamValue(params_[index], setting.value);
-  const auto params = As<IMediaParams>();
-  Check(params ? params->SetParam(index, value) : E_NOINTERFACE,
-        "the effect refuses " + Quoted(setting.value) + " for " + params_[index].label);
+  Check(SetParam(index, value), "the effect refuses " + Quoted(setting.value) + " for " + params_[index].label);
 }
 
 void EffectInstance::ApplyPreset(std::string_view text) {

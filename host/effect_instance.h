@@ -34,6 +34,7 @@ class EffectInstance {
     return directshow::Query<Interface>(filter_.Get());
   }
 
+  // Those of IMediaParamInfo under their indices, then the choices.
   const std::vector<ParamDescription>& Params() const { return params_; }
   float ParamValue(DWORD index) const;
   std::vector<std::string> PresetNames() const;
@@ -43,10 +44,13 @@ class EffectInstance {
   void Apply(const Setting& setting);
   // The record that the effect stores of its settings. Throws a Failure.
   std::vector<std::uint8_t> StoredState() const;
-  // Segments in the order of time. Throws a Failure.
+  // Of a parameter that takes curves, with segments in the order of time. Throws a Failure.
   void Automate(DWORD param, std::span<const MP_ENVELOPE_SEGMENT> segments);
 
  private:
+  // Null for a parameter of IMediaParams.
+  const Choice* ChoiceAt(DWORD index) const;
+  HRESULT SetParam(DWORD index, float value);
   void ApplyPreset(std::string_view text);
   void LoadState(const std::string& path);
 

@@ -20,6 +20,10 @@ class JsonWriter {
   // null when the number is not finite, which JSON cannot express.
   JsonWriter& Number(double value);
   JsonWriter& Number(float value);
+  template <class T>
+  JsonWriter& Number(std::optional<T> value) {
+    return value ? Number(*value) : Null();
+  }
   JsonWriter& Integer(long long value);
   JsonWriter& Bool(bool value);
   JsonWriter& Null();

@@ -27,7 +27,8 @@ Options of render
                                    save       a file to store the settings in
                                    PARAMETER  a parameter; see "describe". Blanks, '-', '_', '.' and case do not
                                               matter, and a beginning is enough: attack=5 sets "Attack Time".
-                                              Switches take on and off, choices their text or number.
+                                              Switches take on and off; choices their text, or their number where
+                                              the texts are no numbers: mode=high shelf, mode=3, rolloff=12.
                                  A colon starts a new setting only where KEY= follows, so names and paths may hold
                                  colons; a value in double quotes is taken as it is.
   --path graph|direct            through a filter graph (default), or as plain buffers of 32-bit float
@@ -52,6 +53,7 @@ Options of all commands
 Exit codes: 0 done, 1 the command line is wrong, 2 something failed.
 
   tervan-host render in.wav out.wav --effect "compressor:preset=Soft Limiter:threshold=-12"
+  tervan-host render in.wav out.wav --effect eq:band2.gain=4.5 --effect dither:depth=16 --bits 16
 )";
 
 struct CommandName {

@@ -52,11 +52,18 @@ ParamDescription ReadParam(IMediaParamInfo& info, DWORD index) {
           .items = {parts.begin() + 2, parts.end()}};
 }
 
+std::string_view WithoutUnit(const ParamDescription& param, std::string_view text) {
+  if (Lower(text).ends_with(Lower(param.unit))) text.remove_suffix(param.unit.size());
+  return Trimmed(text);
+}
+
 std::optional<float> FindItem(const ParamDescription& param, std::string_view text) {
   const auto item = std::ranges::find(param.items, NameKey(text), [](const auto& name) { return NameKey(name); });
   if (item == param.items.end()) return std::nullopt;
   return param.min + static_cast<float>(item - param.items.begin());
 }
+
+bool IsNumber(const std::string& text) { return ParseNumber(text).has_value(); }
 
 std::optional<float> ParseSwitch(std::string_view text) {
   const std::string key = Lower(text);
@@ -66,13 +73,20 @@ std::optional<float> ParseSwitch(std::string_view text) {
 }
 
 std::optional<float> ParseAmount(const ParamDescription& param, std::string_view text) {
-  if (!param.unit.empty() && Lower(text).ends_with(Lower(param.unit))) text.remove_suffix(param.unit.size());
-  const auto number = ParseNumber(Trimmed(text));
+  const auto number = ParseNumber(text);
   if (!number) return std::nullopt;
   const float value = static_cast<float>(*number);
   if (value < param.min || value > param.max) return std::nullopt;
   if (param.type != MPT_FLOAT && value != std::trunc(value)) return std::nullopt;
   return value;
+}
+
+std::optional<float> ParseValue(const ParamDescription& param, std::string_view text) {
+  if (param.type == MPT_BOOL) return ParseSwitch(text);
+  if (const auto item = FindItem(param, text)) return item;
+  // The number of an item would be mistaken for its text.
+  if (std::ranges::any_of(param.items, IsNumber)) return std::nullopt;
+  return ParseAmount(param, text);
 }
 
 }  // namespace
@@ -83,6 +97,17 @@ std::vector<ParamDescription> ReadParams(IMediaParamInfo& info) {
   std::vector<ParamDescription> params;
   for (DWORD i = 0; i < count; ++i) params.push_back(ReadParam(info, i));
   return params;
+}
+
+ParamDescription DescribeChoice(const Choice& choice) {
+  return {.label = std::string(choice.label),
+          .unit = std::string(choice.unit),
+          .type = MPT_ENUM,
+          .curve_caps = 0,
+          .min = 0.0f,
+          .max = static_cast<float>(choice.items.size() - 1),
+          .neutral = std::nullopt,
+          .items = {choice.items.begin(), choice.items.end()}};
 }
 
 DWORD FindParam(const std::vector<ParamDescription>& params, std::string_view name, std::string_view effect_name) {
@@ -107,17 +132,15 @@ DWORD FindParam(const std::vector<ParamDescription>& params, std::string_view na
 }
 
 float ParseParamValue(const ParamDescription& param, std::string_view text) {
-  text = Trimmed(text);
-  std::optional<float> value = FindItem(param, text);
-  if (!value) value = param.type == MPT_BOOL ? ParseSwitch(text) : ParseAmount(param, text);
+  const auto value = ParseValue(param, WithoutUnit(param, Trimmed(text)));
   if (!value) throw UsageError(param.label + " takes " + DescribeRange(param) + ", not " + Quoted(text));
   return *value;
 }
 
 std::string DescribeRange(const ParamDescription& param) {
   if (param.type == MPT_BOOL) return "off or on";
-  if (!param.items.empty()) return Listed(param.items, "or");
-  const std::string range = ShortNumber(param.min) + " to " + ShortNumber(param.max);
+  const std::string range =
+      param.items.empty() ? ShortNumber(param.min) + " to " + ShortNumber(param.max) : Listed(param.items, "or");
   return param.unit.empty() ? range : range + ' ' + param.unit;
 }
 

@@ -42,12 +42,7 @@ void AddResult(JsonWriter& json, const FileReport& report) {
   json.Key("effects").BeginArray();
   for (const EffectReport& effect : report.effects) {
     json.BeginObject().Key("name").Text(effect.name).Key("largest_reduction_db");
-    if (effect.largest_reduction_db) {
-      json.Number(*effect.largest_reduction_db);
-    } else {
-      json.Null();
-    }
-    json.EndObject();
+    json.Number(effect.largest_reduction_db).EndObject();
   }
   json.EndArray();
   json.Key("elapsed_s").Number(report.elapsed_s);
