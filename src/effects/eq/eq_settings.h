@@ -48,6 +48,8 @@ inline constexpr ParamRow kBandRows[kParamsPerBand] = {
 };
 enum BandRow : std::uint32_t { kFrequency, kGain, kBandwidth, kRolloff, kMode, kEnable };
 
+constexpr std::uint32_t ParamIndex(std::uint32_t band, std::uint32_t row) { return band * kParamsPerBand + row; }
+
 constexpr ParamDescriptor DescribeBandRow(std::uint32_t band, std::uint32_t row) {
   constexpr std::u16string_view kPrefix = u"Band";
   char16_t label[kParamTextLength] = {};
@@ -66,12 +68,12 @@ constexpr ParamDescriptor DescribeBandRow(std::uint32_t band, std::uint32_t row)
   return Describe(described);
 }
 
-// Index = band × kParamsPerBand + BandRow, then the bypass.
+// Index = ParamIndex(band, row), then the bypass. Hosts save it.
 inline constexpr auto kParams = [] {
   std::array<ParamDescriptor, kBypassParam + 1> table{};
   for (std::uint32_t band = 0; band < kEqBands; ++band) {
     for (std::uint32_t row = 0; row < kParamsPerBand; ++row) {
-      table[band * kParamsPerBand + row] = DescribeBandRow(band, row);
+      table[ParamIndex(band, row)] = DescribeBandRow(band, row);
     }
   }
   table[kBypassParam] = Describe({u"Bypass", u"", ParamType::kBool, 0, 1, 0, 0, 1, ControlKind::kSwitch, 100});
