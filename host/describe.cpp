@@ -104,8 +104,9 @@ std::string DescriptionText(const EffectInstance& effect) {
   std::vector<std::vector<std::string>> params{{"Parameter", "Type", "Range", "New effect", "Curves"}};
   for (DWORD i = 0; i < effect.Params().size(); ++i) {
     const ParamDescription& param = effect.Params()[i];
+    const std::vector<std::string> curves = CurveNames(param);
     params.push_back({param.label, std::string(TypeName(param.type)), DescribeRange(param),
-                      FormatParamValue(param, effect.ParamValue(i)), Listed(CurveNames(param))});
+                      FormatParamValue(param, effect.ParamValue(i)), curves.empty() ? "none" : Listed(curves)});
   }
   std::vector<std::vector<std::string>> presets{{"#", "Preset"}};
   for (const std::string& name : effect.PresetNames()) presets.push_back({std::to_string(presets.size() - 1), name});
