@@ -4,6 +4,7 @@
 
 #include "directshow/com_ptr.h"
 #include "effects/compressor/compressor_filter.h"
+#include "effects/dither/dither_filter.h"
 #include "effects/eq/eq_filter.h"
 #include "effects/gate/gate_filter.h"
 
@@ -21,6 +22,7 @@ directshow::ComObject* Create(IUnknown* outer, HRESULT* result) {
 }
 
 constexpr ClassTemplate kClasses[] = {
+    {kDitherFilterName, &kDitherTraits.filter_clsid, Create<DitherFilter>, &kDitherFilterSetup},
     {kCompressorFilterName, &kCompressorTraits.filter_clsid, Create<CompressorFilter>, &kCompressorFilterSetup},
     {kEqFilterName, &kEqTraits.filter_clsid, Create<EqFilter>, &kEqFilterSetup},
     {kGateFilterName, &kGateTraits.filter_clsid, Create<GateFilter>, &kGateFilterSetup},

@@ -1,0 +1,89 @@
+#include "effects/dither/dither_effect.h"
+
+#include <cstddef>
+#include <new>
+
+#include "shell/sample_codec.h"
+
+namespace tervan {
+
+constinit const EffectTraits kDitherTraits{
+    .filter_clsid = {0x260df3e1, 0xac77, 0x11d2, {0x9e, 0x93, 0x00, 0xc0, 0x4f, 0x68, 0xbe, 0x44}},
+    .page_clsid = {0x260df3e2, 0xac77, 0x11d2, {0x9e, 0x93, 0x00, 0xc0, 0x4f, 0x68, 0xbe, 0x44}},
+    .drains_at_end = false,
+    .mode_settles = ModeSettles::kAfterFirstChunk,
+    .settings_replaced_code = kSettingsReplaced,
+    .param_set_code = std::nullopt,  // it has no parameters
+    .stored = {dither::kForms, sizeof(DitherSettings), LoadNotifies::kAfterBodyRead},
+    .presets = ListOf(dither::kPresets),
+};
+
+namespace {
+
+// What a new engine is made with; the settings follow at once.
+constexpr std::uint32_t kFirstBits = 16;
+
+}  // namespace
+
+DitherEffect::DitherEffect(WindowPoster& poster, MillisecondClock clock) : control_(poster), clock_(clock) {
+  ApplyPreset(*this, 0);
+}
+
+HRESULT DitherEffect::Start() {
+  engine_.reset(new (std::nothrow) CLmDither(kFirstBits, DitherType::kNone, NoiseShaping::kOff, clock_));
+  if (engine_ && !engine_->IsReady()) engine_.reset();
+  FetchSettings();
+  return PushSettings(ProcessMode::kDiscontinuity);
+}
+
+HRESULT DitherEffect::Stop() {
+  engine_.reset();
+  is_configured_ = false;
+  return S_OK;
+}
+
+HRESULT DitherEffect::PushSettings(ProcessMode mode) {
+  is_configured_ = engine_ != nullptr;
+  if (!engine_) return E_OUTOFMEMORY;
+  engine_->Configure(dither::kWordLengthBits[fetched_.quantization_depth],
+                     static_cast<DitherType>(fetched_.dither_type), static_cast<NoiseShaping>(fetched_.noise_shaping));
+  if (mode == ProcessMode::kDiscontinuity) has_processed_ = false;
+  return S_OK;
+}
+
+// Integers go through the engine frame by frame, so that their noise is drawn in the order of time.
+template <typename Codec>
+void DitherEffect::ProcessFrames(typename Codec::Sample* samples, std::uint32_t frames) {
+  double frame_samples[2];
+  for (std::uint32_t frame = 0; frame < frames; ++frame, samples += channels_) {
+    for (std::size_t channel = 0; channel < channels_; ++channel) {
+      frame_samples[channel] = Codec::Decode(samples[channel]);
+    }
+    engine_->Process(frame_samples, 1, channels_);
+    for (std::size_t channel = 0; channel < channels_; ++channel) {
+      samples[channel] = Codec::Encode(frame_samples[channel]);
+    }
+  }
+}
+
+HRESULT DitherEffect::Process(SampleFormat format, ProcessMode mode, void* data, std::uint32_t* frames, bool stop) {
+  if (stop) return S_FALSE;
+  const bool changed = FetchSettings();
+  const bool reset = mode == ProcessMode::kDiscontinuity && has_processed_;
+  if (reset || changed || !is_configured_) {
+    const HRESULT pushed = PushSettings(reset ? ProcessMode::kDiscontinuity : ProcessMode::kContinuous);
+    if (FAILED(pushed)) return pushed;
+  }
+  has_processed_ = true;
+  switch (format) {
+    case SampleFormat::kPcm8: ProcessFrames<Pcm8Codec>(static_cast<std::uint8_t*>(data), *frames); break;
+    case SampleFormat::kPcm16: ProcessFrames<Pcm16Codec>(static_cast<std::int16_t*>(data), *frames); break;
+    case SampleFormat::kPcm32: ProcessFrames<Pcm32Codec>(static_cast<std::int32_t*>(data), *frames); break;
+    case SampleFormat::kFloat32: engine_->Process(static_cast<float*>(data), *frames, channels_); break;
+    case SampleFormat::kFloat64: engine_->Process(static_cast<double*>(data), *frames, channels_); break;
+    case SampleFormat::kNone: break;
+  }
+  return S_OK;
+}
+
+}  // namespace tervan
