@@ -14,6 +14,7 @@
 #include "least.h"
 #include "shell/automated_engine.h"
 #include "shell/engine_dispatch.h"
+#include "testing/formats.h"
 #include "testing/programme.h"
 
 namespace tervan::bench {
@@ -36,19 +37,6 @@ class FixedSettings : public SettingsSource<Settings> {
   const Settings settings_;
 };
 
-template <typename Sample>
-inline constexpr SampleFormat kFormatOf = SampleFormat::kNone;
-template <>
-inline constexpr SampleFormat kFormatOf<std::uint8_t> = SampleFormat::kPcm8;
-template <>
-inline constexpr SampleFormat kFormatOf<std::int16_t> = SampleFormat::kPcm16;
-template <>
-inline constexpr SampleFormat kFormatOf<std::int32_t> = SampleFormat::kPcm32;
-template <>
-inline constexpr SampleFormat kFormatOf<float> = SampleFormat::kFloat32;
-template <>
-inline constexpr SampleFormat kFormatOf<double> = SampleFormat::kFloat64;
-
 // process(Sample* block, frames) is timed over the programme, in blocks of the benchmark's argument.
 template <typename Sample, typename Process>
 void TimeBlocks(benchmark::State& state, const Process& process) {
@@ -70,13 +58,10 @@ void TimeBlocks(benchmark::State& state, const Process& process) {
 template <typename Sample, typename Engine, typename Source>
 void TimeEngine(benchmark::State& state, Source& source) {
   Engine engine(source);
-  StreamFormat format{};
-  format.nChannels = kChannels;
-  format.nSamplesPerSec = 44100;
-  engine.SetFormat(format);
+  engine.SetFormat(testing::FormatOf(kChannels, 44100));
   engine.Start();
   TimeBlocks<Sample>(state, [&engine](Sample* block, std::uint32_t frames) {
-    ProcessWith(engine, kFormatOf<Sample>, ProcessMode::kContinuous, block, &frames, false);
+    ProcessWith(engine, testing::kFormatOf<Sample>, ProcessMode::kContinuous, block, &frames, false);
   });
 }
 

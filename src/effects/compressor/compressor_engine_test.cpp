@@ -64,7 +64,7 @@ TYPED_TEST_SUITE(CompressorFormat, Formats);
 template <typename Sample>
 void ExpectEqualsModel(const CompressorSettings& first, const CompressorSettings& second, std::size_t channels,
                        std::uint32_t rate_hz, std::uint32_t seed) {
-  StartedEngine started(first, channels, rate_hz, true);
+  StartedCompressor started(first, channels, rate_hz, true);
   CompressorModel model(rate_hz, channels);
   model.Load(first, false);
 
@@ -106,7 +106,7 @@ TYPED_TEST(CompressorFormat, BlockLengthDoesNotMatter) {
     for (const bool watched : {false, true}) {
       for (const CompressorSettings& settings : {kHeavy, kHeavySmooth}) {
         const auto input = SamplesOf<TypeParam>(Programme(5000, channels, 700, 0));
-        StartedEngine started(settings, channels, 44100, watched);
+        StartedCompressor started(settings, channels, 44100, watched);
         std::vector<TypeParam> whole = input;
         const std::uint32_t all_frames[] = {5000};
         RunAll(started.engine, whole, channels, all_frames);
@@ -118,7 +118,7 @@ TYPED_TEST(CompressorFormat, BlockLengthDoesNotMatter) {
 
 TYPED_TEST(CompressorFormat, DrainTouchesNeitherBufferNorState) {
   const auto input = SamplesOf<TypeParam>(Programme(2000, 2, 700, 0));
-  StartedEngine started(kHeavy, 2, 44100);
+  StartedCompressor started(kHeavy, 2, 44100);
   std::vector<TypeParam> head(input.begin(), input.begin() + 2000);
   std::vector<TypeParam> tail(input.begin() + 2000, input.end());
   RunAll(started.engine, head, 2);
@@ -141,7 +141,7 @@ TYPED_TEST(CompressorFormat, DrainTouchesNeitherBufferNorState) {
 TYPED_TEST(CompressorFormat, TakesWaitingSettingsAndResetsOnADiscontinuity) {
   constexpr bool kLooksItself = !std::is_same_v<TypeParam, float>;
   for (const ProcessMode mode : {ProcessMode::kContinuous, ProcessMode::kDiscontinuity}) {
-    StartedEngine started(FakeOwner{}.settings, 2, 44100);
+    StartedCompressor started(FakeOwner{}.settings, 2, 44100);
     CompressorModel model(44100, 2, !kLooksItself);
     model.Load(started.settings, false);
     started.settings = kHeavySmooth;
@@ -285,7 +285,7 @@ TEST(CompressorEngine, MetersDivideGainsOutAndKnowSilence) {
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(Text(row.settings));
-    StartedEngine started(row.settings, 2, 44100);
+    StartedCompressor started(row.settings, 2, 44100);
     std::vector<double> data(80000);
     for (std::size_t i = 0; i < data.size(); ++i) data[i] = i % 2 == 0 ? 1.0 : -0.5;
     RunAll(started.engine, data, 2);
@@ -296,7 +296,7 @@ TEST(CompressorEngine, MetersDivideGainsOutAndKnowSilence) {
 TEST(CompressorEngine, PageThatComesAndGoesDoesNotMoveTheGain) {
   const std::vector<float> input = SamplesOf<float>(Programme(40000, 2, 3000, 0));
   for (const CompressorSettings& settings : {kHeavy, kHeavySmooth}) {
-    StartedEngine started(settings, 2, 44100);
+    StartedCompressor started(settings, 2, 44100);
     std::vector<float> data = input;
     for (std::size_t at = 0; at < data.size(); at += 1000) {
       started.watched = !started.watched;
@@ -310,7 +310,7 @@ TEST(CompressorEngine, PageThatComesAndGoesDoesNotMoveTheGain) {
 }
 
 TEST(CompressorEngine, StopFlagEndsTheStreamAndAsksForNewSettings) {
-  StartedEngine started(FakeOwner{}.settings, 2, 44100);
+  StartedCompressor started(FakeOwner{}.settings, 2, 44100);
   const std::vector<float> input = SamplesOf<float>(Programme(500, 2, 700, 0));
   std::vector<float> data = input;
   std::uint32_t frames = 500;

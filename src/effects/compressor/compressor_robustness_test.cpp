@@ -52,7 +52,7 @@ TYPED_TEST(CompressorFloats, SamplesThatAreNotFiniteLeaveNoTrace) {
 
 TYPED_TEST(CompressorFloats, ResetForgetsWhateverCameBefore) {
   const auto input = SamplesOf<TypeParam>(Programme(3000, 2, 700, 0));
-  StartedEngine started(kHeavySmooth, 2, 44100);
+  StartedCompressor started(kHeavySmooth, 2, 44100);
   std::vector<TypeParam> loud(4000, TypeParam{1e30});
   RunAll(started.engine, loud, 2);
   started.engine.LoadParameters(kHeavySmooth, ProcessMode::kDiscontinuity);
@@ -77,7 +77,7 @@ TYPED_TEST(CompressorFloats, AbsurdRecordsGiveFiniteOutput) {
     constexpr std::uint32_t kAnyRate[] = {0, 1, 44100, 768000, 0xFFFFFFFF};
     const std::uint32_t rate_hz = kAnyRate[i % std::size(kAnyRate)];
     SCOPED_TRACE(Text(settings) + " at " + std::to_string(rate_hz));
-    StartedEngine started(settings, 2, rate_hz, i % 2 == 0);
+    StartedCompressor started(settings, 2, rate_hz, i % 2 == 0);
     auto output = input;
     RunAll(started.engine, output, 2);
     for (const TypeParam sample : output) ASSERT_TRUE(std::isfinite(sample));

@@ -17,65 +17,23 @@
 #include <vector>
 
 #include "effects/compressor/compressor_engine.h"
+#include "testing/engine_rig.h"
 
 namespace tervan::testing {
 
-struct FakeOwner : CompressorEngineOwner {
-  bool SnapshotSettings(CompressorSettings* out) override {
-    *out = settings;
-    return std::exchange(changed, false);
-  }
+struct FakeOwner : FakeSource<CompressorSettings, CompressorEngineOwner> {
+  FakeOwner() { settings = {0, 0, 0, 1, 15, 250, 1, 0, 0, 0}; }
   void PublishMeters(const CompressorMeters& meters) override { published.push_back(meters); }
   bool IsWatched() const override { return watched; }
 
-  CompressorSettings settings{0, 0, 0, 1, 15, 250, 1, 0, 0, 0};
-  bool changed = false;
   bool watched = false;
   std::vector<CompressorMeters> published;
 };
 
-inline StreamFormat FormatOf(std::size_t channels, std::uint32_t rate_hz) {
-  StreamFormat format{};
-  format.nChannels = static_cast<std::uint16_t>(channels);
-  format.nSamplesPerSec = rate_hz;
-  return format;
-}
-
-inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, std::uint8_t* data, std::uint32_t* frames) {
-  return engine.ProcessPcm8(mode, data, frames);
-}
-inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, std::int16_t* data, std::uint32_t* frames) {
-  return engine.ProcessPcm16(mode, data, frames);
-}
-inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, std::int32_t* data, std::uint32_t* frames) {
-  return engine.ProcessPcm32(mode, data, frames);
-}
-inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, float* data, std::uint32_t* frames) {
-  return engine.ProcessFloat32(mode, data, frames, false);
-}
-inline HRESULT Process(CompressorEngine& engine, ProcessMode mode, double* data, std::uint32_t* frames) {
-  return engine.ProcessFloat64(mode, data, frames);
-}
-
-// Blocks of odd and even lengths, one frame among them.
-inline constexpr std::uint32_t kBlockFrames[] = {1, 64, 7, 512, 333, 2, 1000};
-
-// Processes all of it in place, in blocks of the given lengths over and over.
-template <typename Sample>
-void RunAll(CompressorEngine& engine, std::vector<Sample>& data, std::size_t channels,
-            std::span<const std::uint32_t> blocks = kBlockFrames) {
-  std::size_t block = 0;
-  for (std::size_t at = 0; at < data.size(); ++block) {
-    const std::size_t left = (data.size() - at) / channels;
-    auto frames = static_cast<std::uint32_t>(std::min<std::size_t>(left, blocks[block % blocks.size()]));
-    Process(engine, ProcessMode::kContinuous, data.data() + at, &frames);
-    at += frames * channels;
-  }
-}
-
 // An engine at the start of a stream, and its owner.
-struct StartedEngine : FakeOwner {
-  StartedEngine(const CompressorSettings& with, std::size_t channels, std::uint32_t rate_hz, bool is_watched = false) {
+struct StartedCompressor : FakeOwner {
+  StartedCompressor(const CompressorSettings& with, std::size_t channels, std::uint32_t rate_hz,
+                    bool is_watched = false) {
     settings = with;
     watched = is_watched;
     engine.SetFormat(FormatOf(channels, rate_hz));
@@ -88,7 +46,7 @@ struct StartedEngine : FakeOwner {
 template <typename Sample>
 std::vector<Sample> Compressed(const CompressorSettings& settings, std::vector<Sample> data, std::size_t channels,
                                std::uint32_t rate_hz = 44100, bool watched = false) {
-  StartedEngine started(settings, channels, rate_hz, watched);
+  StartedCompressor started(settings, channels, rate_hz, watched);
   RunAll(started.engine, data, channels);
   return data;
 }
@@ -134,17 +92,6 @@ inline std::string Text(const CompressorSettings& s) {
   for (const std::int32_t value : {s.auto_gain_compensation, s.smooth_saturation, s.bypass})
     text += std::to_string(value);
   return text;
-}
-
-// Compares bits: a NaN equals itself, 0 does not equal -0.
-template <typename Sample>
-::testing::AssertionResult SameBits(const std::vector<Sample>& a, const std::vector<Sample>& b) {
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (std::memcmp(&a[i], &b[i], sizeof(Sample)) != 0) {
-      return ::testing::AssertionFailure() << "sample " << i << ": " << +a[i] << " and " << +b[i];
-    }
-  }
-  return ::testing::AssertionSuccess();
 }
 
 }  // namespace tervan::testing
