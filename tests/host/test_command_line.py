@@ -16,31 +16,98 @@ GOOD = wav.riff(wav.fmt(), wav.chunk(b"data", DATA))
 BYPASS = ("--effect", "compressor:bypass=on")
 
 
-def test_list_and_describe(host):
-    effects = host.run("list", "--json").json()["effects"]
-    compressor = next(effect for effect in effects if effect["name"] == "compressor")
-    assert compressor["clsid"] == "{23C9F225-40EC-11D2-9D36-00C04F8EDC1E}"
-    assert "compressor" in host.run("list").out
+BYPASS_PARAM = ("Bypass", "", "switch", 0, 1, 0)
 
-    description = host.run("describe", "compressor", "--json").json()
-    ranges = [(p["label"], p["unit"], p["type"], p["min"], p["max"], p["value"]) for p in description["parameters"]]
-    assert ranges == [
-        ("Input Gain", "dB", "float", -60, 25, 0),
-        ("Output Gain", "dB", "float", -60, 25, 0),
-        ("Threshold", "dB", "float", -60, 0, 0),
-        ("Amount", "", "float", 1, 50, 1),
-        ("Attack Time", "ms", "float", 0, 500, 15),
-        ("Release Time", "ms", "float", 0, 5000, 250),
-        ("Auto Gain Compensation", "", "switch", 0, 1, 1),
-        ("Smooth Saturation", "", "switch", 0, 1, 0),
-        ("Bypass", "", "switch", 0, 1, 0),
+
+def band_params(band, frequency_hz, rolloff, mode):
+    return [
+        (f"Band{band} Frequency", "Hz", "float", 20, 20000, frequency_hz),
+        (f"Band{band} Gain", "dB", "float", -15, 15, 0),
+        (f"Band{band} Bandwidth", "octaves", "float", 0.1, 4, 1),
+        (f"Band{band} Rolloff", "dB/octave", "choice", 1, 4, rolloff, "6", "12", "18", "24"),
+        (f"Band{band} Mode", "", "choice", 1, 3, mode, "Low Shelf", "Band", "High Shelf"),
+        (f"Band{band} Enable", "", "switch", 0, 1, 1),
     ]
-    assert description["presets"][:3] == ["(Default)", "Default all parameters", "Soft Limiter"]
-    assert len(description["presets"]) == 9
+
+
+DITHER_TYPES = ("None", "Half Rectangular", "Rectangular", "Triangular", "Highpass Triangular", "Gaussian")
+
+# effect: class, control interface, number of presets, (label, unit, type, min, max, value in a new effect, items...)
+DESCRIPTIONS = {
+    "compressor": (
+        "{23C9F225-40EC-11D2-9D36-00C04F8EDC1E}",
+        "ICompressorSettings",
+        9,
+        [
+            ("Input Gain", "dB", "float", -60, 25, 0),
+            ("Output Gain", "dB", "float", -60, 25, 0),
+            ("Threshold", "dB", "float", -60, 0, 0),
+            ("Amount", "", "float", 1, 50, 1),
+            ("Attack Time", "ms", "float", 0, 500, 15),
+            ("Release Time", "ms", "float", 0, 5000, 250),
+            ("Auto Gain Compensation", "", "switch", 0, 1, 1),
+            ("Smooth Saturation", "", "switch", 0, 1, 0),
+            BYPASS_PARAM,
+        ],
+    ),
+    "eq": (
+        "{8CB69A0A-10E8-11D2-9B89-00104B8D13C2}",
+        "IEqSettings",
+        13,
+        [
+            *band_params(1, 100, 2, 1),
+            *band_params(2, 300, 1, 2),
+            *band_params(3, 1000, 1, 2),
+            *band_params(4, 5000, 2, 3),
+            BYPASS_PARAM,
+        ],
+    ),
+    "gate": (
+        "{869419DD-501F-11D3-8CDC-00C04F6B8E4C}",
+        "IGateSettings",
+        7,
+        [
+            ("Threshold level", "dB", "float", -80, 0, -80),
+            ("Attack time", "ms", "float", 0, 500, 3),
+            ("Release time", "ms", "float", 1, 5000, 100),
+            BYPASS_PARAM,
+        ],
+    ),
+    "dither": (
+        "{260DF3E1-AC77-11D2-9E93-00C04F68BE44}",
+        "IDitherSettings",
+        6,
+        [
+            ("Depth", "bits", "choice", 0, 6, 2, "8", "12", "16", "18", "20", "24", "32"),
+            ("Type", "", "choice", 0, 5, 1, *DITHER_TYPES),
+            ("Shaping", "", "choice", 0, 2, 0, "Off", "High-pass contour", "Equal loudness contour"),
+        ],
+    ),
+}
+
+
+def test_list(host):
+    effects = host.run("list", "--json").json()["effects"]
+    assert {effect["name"]: effect["clsid"] for effect in effects} == {
+        name: clsid for name, (clsid, *_) in DESCRIPTIONS.items()
+    }
+    assert [line.split()[0] for line in host.run("list").out.splitlines()] == [effect["name"] for effect in effects]
+
+
+@pytest.mark.parametrize("name", DESCRIPTIONS)
+def test_describe(host, name):
+    clsid, control_interface, presets, params = DESCRIPTIONS[name]
+    description = host.run("describe", name, "--json").json()
+    assert description["clsid"] == clsid
+    fields = ("label", "unit", "type", "min", "max", "value")
+    assert [(*(p[field] for field in fields), *p["items"]) for p in description["parameters"]] == params
+    assert description["presets"][:2] == ["(Default)", "Default all parameters"]
+    assert len(description["presets"]) == presets
     names = {interface["name"] for interface in description["interfaces"]}
-    assert {"ICompressorSettings", "IMediaParams", "IPersistStream", "IPluginPresets", "IDirectBufferProcess"} <= names
-    text = host.run("describe", "compressor").out
-    for label, *_ in ranges:
+    assert {control_interface, "IPersistStream", "IPluginPresets", "IDirectBufferProcess"} <= names
+    assert ("IMediaParams" in names) == all(p["curves"] for p in description["parameters"])
+    text = host.run("describe", name).out
+    for label, *_ in params:
         assert label in text
 
 
@@ -224,6 +291,14 @@ RENDER = ("render", "in.wav", "out.wav")
         ([*RENDER, "--effect", "compressor:bypass=2"], "off or on"),
         ([*RENDER, "--effect", "compressor", "--effect", "compressor", "--save-state", "s"], "chain"),
         ([*RENDER, "--load-state", "s"], "single"),
+        ([*RENDER, "--effect", "gate:preset=Noise gate"], '"Noise gate 1" or "Noise gate 2"'),
+        ([*RENDER, "--effect", "eq:gain=3"], "Band1 Gain"),
+        ([*RENDER, "--effect", "eq:band1.rolloff=2"], "6, 12, 18 or 24 dB/octave"),
+        ([*RENDER, "--effect", "eq:band1.mode=4"], "Low Shelf, Band or High Shelf"),
+        ([*RENDER, "--effect", "dither:depth=2"], "8, 12, 16, 18, 20, 24 or 32 bits"),
+        ([*RENDER, "--effect", "dither:type=6"], "None, Half Rectangular, Rectangular"),
+        ([*RENDER, "--effect", "dither:shaping=1.5"], "Off, High-pass contour or Equal loudness contour"),
+        ([*RENDER, "--effect", "dither:bypass=on"], "Depth, Type and Shaping"),
     ],
 )
 def test_wrong_command_lines(host, arguments, sentence):
@@ -257,6 +332,13 @@ def test_bad_automation(host, content, sentence):
     message = host.refuse(2, *RENDER, "--effect", "compressor", "--automation", "a.csv")
     assert sentence in message and '"a.csv"' in message
     assert host.names() == ["a.csv", "in.wav"]
+
+
+def test_what_takes_no_curves_is_not_automated(host):
+    host.write("in.wav", GOOD)
+    host.write("a.csv", b"eq.band1.gain,0,1,0,6,linear\ndither.depth,0,1,8,8,jump")
+    message = host.refuse(2, *RENDER, "--effect", "eq", "--effect", "dither", "--automation", "a.csv")
+    assert "line 2" in message and "Depth of the dither" in message
 
 
 @pytest.mark.parametrize(

@@ -9,6 +9,8 @@ import wav
 
 PATHS = pytest.mark.parametrize("path", ["graph", "direct"])
 RATE = 44100
+# What each effect stores behind a size and a tag: the size, which the EQ gives 4 too small, and the settings record.
+STATES = {"compressor": (60, "<6f4i"), "eq": (120, "<26i"), "gate": (36, "<4i"), "dither": (32, "<3i")}
 # Amount 1 compresses nothing, so what remains of the compressor is its output gain. (Thresholds near 0 dB begin a
 # stream with a gain that is still on its way.)
 GAIN_ONLY = "amount=1:threshold=-10:auto-gain=off:attack=0:release=0"
@@ -19,8 +21,13 @@ def stored(host, effect):
     host.write("in.wav", wav.wav("float32", [0.0, 0.0]))
     host.render("in.wav", "out.wav", "--force", "--save-state", "state", "--effect", effect)
     content = host.read("state")
-    assert len(content) == 60 and content[:4] == struct.pack("<I", 60)
-    return struct.unpack("<6f4i", content[20:])
+    size, record = STATES[effect.partition(":")[0]]
+    assert len(content) == 20 + struct.calcsize(record) and content[:4] == struct.pack("<I", size)
+    return struct.unpack(record, content[20:])
+
+
+def chain(*effects):
+    return [word for effect in effects for word in ("--effect", effect)]
 
 
 def gains(host, samples, *arguments):
@@ -41,36 +48,65 @@ SOFT_LIMITER = (0, 0, -6, 25, 0, 250, 0, 1, 0, 0)
 TWO_TO_ONE = (0, 0, -18, 2, 15, 250, 1, 0, 0, 0)
 
 
+def eq(gains, bandwidths, frequencies, modes, rolloffs, enables, selected_band=0, bypass=0):
+    return (*gains, *bandwidths, *frequencies, *modes, *rolloffs, *enables, selected_band, bypass)
+
+
 @pytest.mark.parametrize(
     "settings, expected",
     [
-        ("", DEFAULT),
-        (":preset=2", SOFT_LIMITER),
-        (":preset=soft limiter", SOFT_LIMITER),
-        (":preset=Soft", SOFT_LIMITER),
-        (":preset=2:1 compression starting at -18 dB", TWO_TO_ONE),
-        (":preset=2:1", TWO_TO_ONE),
-        (':preset="2:1 compression starting at -18 dB":threshold=-20', (*TWO_TO_ONE[:2], -20, *TWO_TO_ONE[3:])),
-        (":preset=2:1:threshold=-20:bypass=on", (*TWO_TO_ONE[:2], -20, *TWO_TO_ONE[3:9], 1)),
-        (":threshold=-20:preset=2", SOFT_LIMITER),
-        (":Attack Time=7.5:release-time=99", (0, 0, 0, 1, 7.5, 99, 1, 0, 0, 0)),
-        (":input_gain=-3dB:OUT=+4 dB:amount=1.5e0", (-3, 4, 0, 1.5, 15, 250, 1, 0, 0, 0)),
-        (":auto=off:smooth=1:bypass=0", (0, 0, 0, 1, 15, 250, 0, 1, 0, 0)),
-        (":threshold=-60:amount=50", (0, 0, -60, 50, 15, 250, 1, 0, 0, 0)),
+        ("compressor", DEFAULT),
+        ("compressor:preset=2", SOFT_LIMITER),
+        ("compressor:preset=soft limiter", SOFT_LIMITER),
+        ("compressor:preset=Soft", SOFT_LIMITER),
+        ("compressor:preset=2:1 compression starting at -18 dB", TWO_TO_ONE),
+        ("compressor:preset=2:1", TWO_TO_ONE),
+        ('compressor:preset="2:1 compression starting at -18 dB":threshold=-20', (*TWO_TO_ONE[:2], -20, *TWO_TO_ONE[3:])),
+        ("compressor:preset=2:1:threshold=-20:bypass=on", (*TWO_TO_ONE[:2], -20, *TWO_TO_ONE[3:9], 1)),
+        ("compressor:threshold=-20:preset=2", SOFT_LIMITER),
+        ("compressor:Attack Time=7.5:release-time=99", (0, 0, 0, 1, 7.5, 99, 1, 0, 0, 0)),
+        ("compressor:input_gain=-3dB:OUT=+4 dB:amount=1.5e0", (-3, 4, 0, 1.5, 15, 250, 1, 0, 0, 0)),
+        ("compressor:auto=off:smooth=1:bypass=0", (0, 0, 0, 1, 15, 250, 0, 1, 0, 0)),
+        ("compressor:threshold=-60:amount=50", (0, 0, -60, 50, 15, 250, 1, 0, 0, 0)),
+        ("eq", eq((0,) * 4, (10,) * 4, (100, 300, 1000, 5000), (1, 2, 2, 3), (2, 1, 1, 2), (1,) * 4)),
+        (
+            "eq:band2.gain=4.5:band4 gain=-15 dB:BAND-3-BANDWIDTH=0.1:band1_freq=20:band3.enable=off:bypass=on",
+            eq((0, 45, 0, -150), (10, 10, 1, 10), (20, 300, 1000, 5000), (1, 2, 2, 3), (2, 1, 1, 2), (1, 1, 0, 1), 0, 1),
+        ),
+        (
+            "eq:preset=hiss:band1.mode=high shelf:band2.mode=1:band1.rolloff=24:band2.rolloff=12 dB/octave",
+            eq((0, 0, 0, -60), (10,) * 4, (100, 300, 1000, 8000), (3, 1, 2, 3), (4, 2, 1, 1), (0, 0, 0, 1), 3),
+        ),
+        ("gate", (3, 100, -800, 0)),
+        ("gate:preset=Noise gate 1", (10, 500, -600, 0)),
+        ("gate:preset=3:threshold=-32.5:attack=0:release=5000ms:bypass=1", (0, 5000, -325, 1)),
+        ("dither", (2, 1, 0)),
+        ("dither:preset=Dither for 16-bit", (2, 4, 2)),
+        ("dither:depth=8:type=none:shaping=equal loudness contour", (0, 0, 2)),
+        ("dither:preset=3:depth=32 bits:type=5", (6, 5, 1)),
+        ("dither:depth=20:type=half-rectangular:shaping=1", (4, 1, 1)),
     ],
 )
 def test_settings_on_the_command_line(host, settings, expected):
-    assert stored(host, "compressor" + settings) == expected
+    assert stored(host, settings) == expected
 
 
-def test_stored_settings_come_back(host):
-    first = stored(host, "compressor:preset=7:threshold=-33.25")
-    again = ("--load-state", "state", "--effect", "compressor:threshold=-1:save=again")
-    host.render("in.wav", "out.wav", "--force", *again)
-    assert host.read("again")[28:32] == struct.pack("<f", -1)  # what the command line says goes last
-    host.render("in.wav", "out.wav", "--force", "--effect", "compressor:load=state:save=copy")
+@pytest.mark.parametrize(
+    "name, settings, last",
+    [
+        ("compressor", "preset=7:threshold=-33.25", "threshold=-1"),
+        ("eq", "preset=6:band3.gain=-7.5", "band3.enable=off"),
+        ("gate", "preset=6:threshold=-32.5", "attack=77"),
+        ("dither", "preset=3:depth=12", "type=gaussian"),
+    ],
+)
+def test_stored_settings_come_back(host, name, settings, last):
+    expected = stored(host, f"{name}:{settings}:{last}")  # what the command line says goes last
+    first = stored(host, f"{name}:{settings}")
+    host.render("in.wav", "out.wav", "--force", "--effect", f"{name}:load=state:save=copy")
     assert host.read("copy") == host.read("state")
-    assert first[2] == -33.25
+    host.render("in.wav", "out.wav", "--force", "--load-state", "state", "--effect", f"{name}:{last}:save=again")
+    assert struct.unpack(STATES[name][1], host.read("again")[20:]) == expected != first
 
 
 def test_older_stored_settings_are_read(host):
@@ -80,9 +116,7 @@ def test_older_stored_settings_are_read(host):
 
 @PATHS
 def test_a_chain_runs_every_effect(host, path):
-    effects = []
-    for gain_db in (-6, -10, 3):
-        effects += ["--effect", f"compressor:{GAIN_ONLY}:output gain={gain_db}"]
+    effects = chain(*(f"compressor:{GAIN_ONLY}:output gain={gain_db}" for gain_db in (-6, -10, 3)))
     for gain in gains(host, wav.square(9000, 0.1, channels=1), "--path", path, *effects):
         assert db(gain) == pytest.approx(-13, abs=1e-4)
 
@@ -90,8 +124,101 @@ def test_a_chain_runs_every_effect(host, path):
 def test_both_paths_give_the_same_samples(host):
     host.write("in.wav", wav.wav("float32", wav.tones(50000)))
     for path in ("graph", "direct"):
-        host.render("in.wav", path, "--path", path, "--effect", "compressor:preset=6")
+        host.render("in.wav", path, "--path", path, *chain("gate:preset=5", "eq:preset=9", "compressor:preset=6"))
     assert host.read("graph") == host.read("direct")
+
+
+@PATHS
+@pytest.mark.parametrize("name", ["compressor", "eq", "gate"])
+def test_a_new_effect_does_not_touch_float(host, name, path):
+    samples = wav.tones(20000)
+    host.write("in.wav", wav.wav("float32", samples))
+    host.render("in.wav", "out.wav", "--path", path, "--effect", name)
+    assert wav.parse(host.read("out.wav")).data == wav.pack("float32", samples)
+
+
+@PATHS
+@pytest.mark.parametrize(
+    "settings, low_gain, high_gain",
+    [
+        ("band1.gain=6:band1.rolloff=6", 10 ** (6 / 20), 1),
+        ("band1.gain=-15", 0, 1),  # the bottom of the range cuts fully
+        ("preset=11", 0, 1),
+        ("band2.mode=low shelf:band2.gain=4:band2.rolloff=24", 10 ** (4 * 1.25 / 20), 1),  # as cascades do
+        ("band3.gain=15", 1, 1),
+        ("band4.gain=-9:band4.rolloff=6", 1, 10 ** (-9 / 20)),
+    ],
+)
+def test_eq_at_both_ends_of_the_spectrum(host, path, settings, low_gain, high_gain):
+    # Left stands still, right alternates as fast as it can: 0 Hz and half the rate.
+    samples = [0.1, 0.1, 0.1, -0.1] * 10000
+    host.write("in.wav", wav.wav("float32", samples))
+    host.render("in.wav", "out.wav", "--path", path, "--effect", f"eq:{settings}")
+    low, high = wav.parse(host.read("out.wav")).samples()[-2:]
+    assert (low / samples[-2], high / samples[-1]) == pytest.approx((low_gain, high_gain), abs=1e-6)
+
+
+@PATHS
+def test_gate_is_silent_below_its_threshold_and_open_above(host, path):
+    quiet, loud = [0.001] * RATE, [0.1] * RATE
+    effect = "gate:threshold=-40:attack=5:release=10"
+    heard = gains(host, quiet + loud + quiet, "--path", path, "--effect", effect)
+    closed, opened, closed_again = (heard[(second + 1) * RATE - 2000 : (second + 1) * RATE] for second in range(3))
+    assert not any(closed) and not any(closed_again)
+    assert opened == pytest.approx([1.0] * 2000, abs=1e-6)
+
+
+@PATHS
+def test_dither_without_noise_rounds_to_its_depth(host, path):
+    samples = [step / 512 for step in range(-512, 512)]
+    host.write("in.wav", wav.wav("pcm16", samples))
+    host.render("in.wav", "out.wav", "--path", path, "--bits", 16, "--effect", "dither:depth=8:type=none")
+    expected = [round(sample * 128) / 128 for sample in samples]
+    assert wav.parse(host.read("out.wav")).data == wav.pack("pcm16", expected)
+
+
+def shaped(sample, count, first, second):
+    """Rounds a constant; the error of earlier roundings comes back with these two factors."""
+    heard, errors = [], [0, 0]
+    for _ in range(count):
+        wanted = sample - first * errors[0] + second * errors[1]
+        heard.append(round(wanted))
+        errors = [heard[-1] - wanted, errors[0]]
+    return heard
+
+
+@PATHS
+@pytest.mark.parametrize(
+    "shaping, first, second", [("off", 0, 0), ("high-pass contour", 1, 0), ("equal loudness contour", 1, 0.75)]
+)
+def test_dither_shapes_its_error(host, path, shaping, first, second):
+    host.write("in.wav", wav.wav("float32", [0.25 / 128] * 1000, channels=1))
+    effect = f"dither:depth=8:type=none:shaping={shaping}"
+    host.render("in.wav", "out.wav", "--path", path, "--bits", 8, "--effect", effect)
+    steps = [code * 128 for code in wav.parse(host.read("out.wav")).samples()]
+    assert steps == shaped(0.25, 1000, first, second)
+
+
+@PATHS
+def test_mastering_to_16_bits(host, path):
+    # Quiet, then loud, at 0 Hz: the gate takes the first away, EQ and compressor turn the second up by 6 - 2 dB, and
+    # the dither leaves noise of one step on both.
+    host.write("in.wav", wav.wav("pcm16", [0.001] * RATE + [0.1] * RATE, channels=1))
+    mastering = chain(
+        "gate:preset=Noise gate 2",
+        "eq:band1.gain=6:band1.rolloff=6",
+        f"compressor:{GAIN_ONLY}:output gain=-2",
+        "dither:depth=16:type=rectangular",
+    )
+    host.render("in.wav", "out.wav", "--path", path, "--bits", 16, *mastering)
+    out = wav.parse(host.read("out.wav"))
+    assert (out.tag, out.bits) == (wav.PCM, 16)
+    steps = [sample * 2**15 for sample in out.samples()]
+    assert set(steps[RATE - 5000 : RATE]) == {-1, 0, 1}
+    loud = steps[-5000:]
+    expected = round(0.1 * 2**15) * 10 ** (4 / 20)
+    assert max(abs(step - expected) for step in loud) < 1.5 and len(set(loud)) > 1
+    assert sum(loud) / 5000 == pytest.approx(expected, abs=0.1)
 
 
 @PATHS
@@ -121,10 +248,19 @@ def test_automation_ramps(host, path):
 
 def test_automation_reaches_the_effect_it_names(host):
     host.write("a.csv", b"2.output gain,0,9,-6,-6,jump\n2.bypass,0.5,9,on,on,jump\n")
-    chain = ("--effect", f"compressor:{GAIN_ONLY}:output gain=-10") + ("--effect", f"compressor:{GAIN_ONLY}")
-    heard = gains(host, wav.square(RATE, 0.1, channels=1), "--automation", "a.csv", *chain)
+    effects = chain(f"compressor:{GAIN_ONLY}:output gain=-10", f"compressor:{GAIN_ONLY}")
+    heard = gains(host, wav.square(RATE, 0.1, channels=1), "--automation", "a.csv", *effects)
     assert db(heard[int(0.4 * RATE)]) == pytest.approx(-16, abs=0.01)
     assert db(heard[-1]) == pytest.approx(-10, abs=0.01)
+
+
+@PATHS
+def test_automation_of_several_effects(host, path):
+    host.write("a.csv", b"gate.bypass,0.5,9,on,on,jump\neq.band1.gain,0.5,9,6,6,jump\n")
+    effects = chain("gate:threshold=0", "eq:band1.rolloff=6")
+    heard = gains(host, [0.1] * RATE, "--path", path, "--automation", "a.csv", *effects)
+    assert heard[int(0.49 * RATE)] == 0
+    assert db(heard[-1]) == pytest.approx(6, abs=0.01)
 
 
 @PATHS

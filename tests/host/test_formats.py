@@ -88,7 +88,7 @@ def test_a_word_length_that_holds_the_file_changes_nothing(host, path, name, bit
     host.write("in.wav", file)
     host.render("in.wav", "out.wav", "--path", path, "--bits", bits, *BYPASS)
     out = wav.parse(host.read("out.wav"))
-    assert (out.bits, out.samples()) == (bits, wav.parse(file).samples())
+    assert (out.tag, out.bits, out.samples()) == (wav.PCM, bits, wav.parse(file).samples())
 
 
 @PATHS
@@ -98,14 +98,6 @@ def test_with_a_word_length_samples_are_cut_only_at_the_end(host, path):
     down_and_up = [f"compressor:auto-gain=off:threshold=-10:output gain={gain_db}" for gain_db in (-20, 20)]
     chain = [word for effect in down_and_up for word in ("--effect", effect)]
     host.render("in.wav", "out.wav", "--path", path, "--bits=16", *chain)
-    assert wav.parse(host.read("out.wav")).data == data
-
-
-@PATHS
-def test_a_new_compressor_does_not_touch_float(host, path):
-    data = wav.pack("float32", wav.tones(20000))
-    host.write("in.wav", wav.riff(wav.fmt(), wav.chunk(b"data", data)))
-    host.render("in.wav", "out.wav", "--path", path, "--effect", "compressor")
     assert wav.parse(host.read("out.wav")).data == data
 
 
