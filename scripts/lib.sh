@@ -15,7 +15,7 @@ packages_x86=(g++-mingw-w64-i686-posix)
 packages_wine=(wine wine64 fonts-wine gstreamer1.0-plugins-base gstreamer1.0-plugins-good xvfb)
 packages_wine32=(wine wine32 fonts-wine gstreamer1.0-plugins-base gstreamer1.0-plugins-good)
 packages_tree=(debootstrap)
-packages_demo=(sox)
+packages_demo=(sox jq)
 packages_lint=(clang-tidy shellcheck)
 
 # Progress goes to stderr: stdout belongs to the programs that are run.
