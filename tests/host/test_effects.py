@@ -48,6 +48,10 @@ SOFT_LIMITER = (0, 0, -6, 25, 0, 250, 0, 1, 0, 0)
 TWO_TO_ONE = (0, 0, -18, 2, 15, 250, 1, 0, 0, 0)
 
 
+# The EQ's bands, as they begin.
+HZ, MODES, ROLLOFFS = (100, 300, 1000, 5000), (1, 2, 2, 3), (2, 1, 1, 2)
+
+
 def eq(gains, bandwidths, frequencies, modes, rolloffs, enables, selected_band=0, bypass=0):
     return (*gains, *bandwidths, *frequencies, *modes, *rolloffs, *enables, selected_band, bypass)
 
@@ -61,21 +65,24 @@ def eq(gains, bandwidths, frequencies, modes, rolloffs, enables, selected_band=0
         ("compressor:preset=Soft", SOFT_LIMITER),
         ("compressor:preset=2:1 compression starting at -18 dB", TWO_TO_ONE),
         ("compressor:preset=2:1", TWO_TO_ONE),
-        ('compressor:preset="2:1 compression starting at -18 dB":threshold=-20', (*TWO_TO_ONE[:2], -20, *TWO_TO_ONE[3:])),
+        (
+            'compressor:preset="2:1 compression starting at -18 dB":threshold=-20',
+            (*TWO_TO_ONE[:2], -20, *TWO_TO_ONE[3:]),
+        ),
         ("compressor:preset=2:1:threshold=-20:bypass=on", (*TWO_TO_ONE[:2], -20, *TWO_TO_ONE[3:9], 1)),
         ("compressor:threshold=-20:preset=2", SOFT_LIMITER),
         ("compressor:Attack Time=7.5:release-time=99", (0, 0, 0, 1, 7.5, 99, 1, 0, 0, 0)),
         ("compressor:input_gain=-3dB:OUT=+4 dB:amount=1.5e0", (-3, 4, 0, 1.5, 15, 250, 1, 0, 0, 0)),
         ("compressor:auto=off:smooth=1:bypass=0", (0, 0, 0, 1, 15, 250, 0, 1, 0, 0)),
         ("compressor:threshold=-60:amount=50", (0, 0, -60, 50, 15, 250, 1, 0, 0, 0)),
-        ("eq", eq((0,) * 4, (10,) * 4, (100, 300, 1000, 5000), (1, 2, 2, 3), (2, 1, 1, 2), (1,) * 4)),
+        ("eq", eq((0,) * 4, (10,) * 4, HZ, MODES, ROLLOFFS, (1,) * 4)),
         (
             "eq:band2.gain=4.5:band4 gain=-15 dB:BAND-3-BANDWIDTH=0.1:band1_freq=20:band3.enable=off:bypass=on",
-            eq((0, 45, 0, -150), (10, 10, 1, 10), (20, 300, 1000, 5000), (1, 2, 2, 3), (2, 1, 1, 2), (1, 1, 0, 1), 0, 1),
+            eq((0, 45, 0, -150), (10, 10, 1, 10), (20, *HZ[1:]), MODES, ROLLOFFS, (1, 1, 0, 1), bypass=1),
         ),
         (
             "eq:preset=hiss:band1.mode=high shelf:band2.mode=1:band1.rolloff=24:band2.rolloff=12 dB/octave",
-            eq((0, 0, 0, -60), (10,) * 4, (100, 300, 1000, 8000), (3, 1, 2, 3), (4, 2, 1, 1), (0, 0, 0, 1), 3),
+            eq((0, 0, 0, -60), (10,) * 4, (*HZ[:3], 8000), (3, 1, 2, 3), (4, 2, 1, 1), (0, 0, 0, 1), selected_band=3),
         ),
         ("gate", (3, 100, -800, 0)),
         ("gate:preset=Noise gate 1", (10, 500, -600, 0)),
