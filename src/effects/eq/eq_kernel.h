@@ -61,6 +61,7 @@ void RunPass(const EqSection& section, StatePair* const (&states)[kChannels], ty
   Stage<kMode> stage[kChannels];
   for (std::size_t channel = 0; channel < kChannels; ++channel) stage[channel] = {section, *states[channel]};
   for (std::uint32_t frame = 0; frame < frames; ++frame, samples += kChannels) {
+#pragma GCC unroll 2  // or the states would lie in memory
     for (std::size_t channel = 0; channel < kChannels; ++channel) {
       samples[channel] = Codec::Encode(stage[channel].Next(Codec::Decode(samples[channel])));
     }
