@@ -73,4 +73,22 @@ void Register(const std::string& name, const Time& time) {
   ReportLeast(benchmark);
 }
 
+template <typename Sample, typename Engine, typename Settings>
+void RegisterFormat(const std::string& name, const Settings& settings) {
+  Register(name, [settings](benchmark::State& state) {
+    FixedSettings<Settings> source(settings);
+    TimeEngine<Sample, Engine>(state, source);
+  });
+}
+
+// An engine that wants nothing but settings, in all formats.
+template <typename Engine, typename Settings>
+void RegisterFormats(const std::string& name, const Settings& settings) {
+  RegisterFormat<float, Engine>(name + "_StereoFloat32", settings);
+  RegisterFormat<double, Engine>(name + "_StereoFloat64", settings);
+  RegisterFormat<std::uint8_t, Engine>(name + "_StereoPcm8", settings);
+  RegisterFormat<std::int16_t, Engine>(name + "_StereoPcm16", settings);
+  RegisterFormat<std::int32_t, Engine>(name + "_StereoPcm32", settings);
+}
+
 }  // namespace tervan::bench
