@@ -11,13 +11,11 @@
 
 #include "effects/compressor/compressor_effect.h"
 #include "shell/stream_processor.h"
-#include "testing/allocation_counter.h"
 #include "testing/fakes.h"
 
 namespace tervan {
 namespace {
 
-using tervan::testing::AllocationsOfThisThread;
 using tervan::testing::FakePoster;
 using tervan::testing::Window;
 
@@ -57,28 +55,6 @@ struct Rig {
   StreamProcessor processor{effect};
   std::vector<std::uint8_t> buffer;
 };
-
-TEST(CompressorStreaming, NothingIsAllocatedBetweenStartAndStop) {
-  for (const auto& [tag, bits] : {std::pair{1, 8}, {1, 16}, {1, 32}, {3, 32}, {3, 64}}) {
-    SCOPED_TRACE(bits);
-    Rig rig;
-    rig.Start(static_cast<std::uint16_t>(tag), static_cast<std::uint16_t>(bits));
-    std::size_t before = AllocationsOfThisThread();
-    for (std::int64_t block = 0; block < 80; ++block) EXPECT_EQ(rig.Run(block * 40 * kMs), S_OK);
-    EXPECT_EQ(AllocationsOfThisThread(), before);
-
-    rig.processor.BeginStream(2, 44100);
-    std::vector<float> floats(2 * 4096);
-    std::uint32_t frames = 4096;
-    before = AllocationsOfThisThread();
-    rig.processor.Refresh(true);
-    EXPECT_EQ(rig.processor.ProcessBuffer(floats.data(), frames, false), S_OK);
-    rig.processor.GetTail(floats.data(), &frames);
-    EXPECT_EQ(AllocationsOfThisThread(), before);
-    floats = std::vector<float>(5);  // the counter does count
-    EXPECT_EQ(AllocationsOfThisThread(), before + 1);
-  }
-}
 
 TEST(CompressorStreaming, PageWatchesAndEditsWhileAudioFlows) {
   Rig rig;

@@ -1,0 +1,120 @@
+// What must hold in the stream of each effect.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "effects/compressor/compressor_effect.h"
+#include "effects/dither/dither_effect.h"
+#include "effects/eq/eq_effect.h"
+#include "effects/gate/gate_effect.h"
+#include "shell/stream_processor.h"
+#include "testing/allocation_counter.h"
+#include "testing/fakes.h"
+#include "testing/programme.h"
+
+namespace tervan {
+namespace {
+
+using tervan::testing::AllocationsOfThisThread;
+using tervan::testing::FakePoster;
+using tervan::testing::Window;
+
+constexpr std::int64_t kMs = 10000;  // 100-ns units
+
+struct StillClock : StreamClock {
+  std::int64_t Now_100ns() override { return 40 * kMs; }
+};
+
+// An effect that is watched and automated as far as it can be.
+template <typename EffectType>
+struct EffectStreaming : ::testing::Test {
+  EffectStreaming() {
+    if constexpr (std::is_same_v<EffectType, CompressorEffect>) {
+      effect.settings_control().SetClock(std::make_shared<StillClock>());
+    }
+    effect.control().SetNotifyWindow(Window(1), 5);
+  }
+  void Automate() {
+    const SegmentData ramp{0, 1000 * kMs, 0, 1, kCurveLinear, 0};
+    if (effect.params()) effect.params()->AddEnvelope(kAllParams, 1, &ramp);
+  }
+  void Start(int tag, int bits, std::uint32_t rate_hz) {
+    const StreamFormat offered{static_cast<std::uint16_t>(tag), 2, rate_hz, 0, 0, static_cast<std::uint16_t>(bits), 0};
+    processor.SetFormat(NormalisedFormat(&offered));
+    EXPECT_EQ(processor.StartStreaming(), S_OK);
+  }
+  HRESULT Run(void* data, std::size_t bytes, std::int64_t start_100ns) {
+    const auto length = static_cast<std::uint32_t>(bytes);
+    SampleView sample{data, length, length, start_100ns == 0};
+    processor.AdvanceStreamTime(length);
+    processor.SetBlock({start_100ns, start_100ns + 40 * kMs});
+    return processor.Transform(sample);
+  }
+
+  FakePoster poster;
+  EffectType effect{poster};
+  StreamProcessor processor{effect};
+};
+using AllEffects = ::testing::Types<CompressorEffect, EqEffect, GateEffect, DitherEffect>;
+TYPED_TEST_SUITE(EffectStreaming, AllEffects);
+
+TYPED_TEST(EffectStreaming, NothingIsAllocatedBetweenStartAndStop) {
+  this->Automate();
+  std::vector<std::uint8_t> buffer(2000 * 16);
+  for (const auto& [tag, bits] : {std::pair{1, 8}, {1, 16}, {1, 32}, {3, 32}, {3, 64}}) {
+    SCOPED_TRACE(bits);
+    this->Start(tag, bits, 48000);
+    const std::size_t before = AllocationsOfThisThread();
+    for (std::int64_t block = 0; block < 80; ++block) {
+      EXPECT_EQ(this->Run(buffer.data(), buffer.size(), block * 40 * kMs), S_OK);
+      this->effect.control().MarkChanged();
+    }
+    EXPECT_EQ(AllocationsOfThisThread(), before);
+    this->processor.StopStreaming();
+  }
+  this->processor.BeginStream(2, 44100);
+  std::vector<float> floats(2 * 4096);
+  std::uint32_t frames = 4096;
+  const std::size_t before = AllocationsOfThisThread();
+  this->processor.Refresh(true);
+  EXPECT_EQ(this->processor.ProcessBuffer(floats.data(), frames, false), S_OK);
+  this->processor.GetTail(floats.data(), &frames);
+  EXPECT_EQ(AllocationsOfThisThread(), before);
+  floats = std::vector<float>(5);  // the counter does count
+  EXPECT_EQ(AllocationsOfThisThread(), before + 1);
+}
+
+// Hosts load whatever their files hold. Outputs must stay finite, and a sanitizer sees the rest.
+TYPED_TEST(EffectStreaming, NoStoredRecordAndNoRateDoesHarm) {
+  constexpr std::int32_t kWords[] = {0, 1, -1, 2, 3, 99, 1000, -1000, INT32_MAX, INT32_MIN, 0x7fc00000, 0x7f800000};
+  std::mt19937 random(5);
+  const auto programme = testing::SamplesOf<double>(testing::Programme(3000, 2, 500, 3));
+  const std::size_t words = this->effect.traits().stored.record_bytes / 4;
+  for (const std::uint32_t rate_hz : {0u, 1u, 49u, 8000u, 44100u, 768000u, UINT32_MAX}) {
+    this->Start(3, 64, rate_hz);
+    for (int i = 0; i < 60; ++i) {
+      std::vector<std::int32_t> record(words);
+      for (std::int32_t& word : record) {
+        word = random() % 4 == 0 ? static_cast<std::int32_t>(random()) : kWords[random() % std::size(kWords)];
+      }
+      this->effect.SetRecord(record.data());
+      auto samples = programme;
+      EXPECT_EQ(this->Run(samples.data(), samples.size() * 8, 0), S_OK);
+      ASSERT_TRUE(std::all_of(samples.begin(), samples.end(), [](double x) { return std::isfinite(x); }))
+          << rate_hz << " Hz, record " << ::testing::PrintToString(record);
+    }
+    this->processor.StopStreaming();
+  }
+}
+
+}  // namespace
+}  // namespace tervan
