@@ -1,0 +1,146 @@
+#include "effects/dither/dither_engine.h"
+
+#include <emmintrin.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "effects/dither/dither_model.h"
+#include "effects/dither/dither_settings.h"
+#include "testing/engine_rig.h"
+#include "testing/programme.h"
+
+namespace tervan {
+namespace {
+
+using namespace tervan::testing;
+
+constexpr std::uint32_t kSeed = 7;
+
+// Takes the numbers of enumerators, and beyond.
+CLmDither Engine(std::uint32_t bits, std::uint32_t type, std::uint32_t shaping) {
+  return CLmDither(bits, static_cast<DitherType>(type), static_cast<NoiseShaping>(shaping), [] { return kSeed; });
+}
+
+std::vector<float> Input() {
+  auto input = SamplesOf<float>(Programme(900, 2, 150, 0));
+  for (float& x : input) x *= 0.98f;
+  return input;
+}
+
+// In LSB, at every word length, without noise.
+TEST(DitherEngine, RoundsToEvenAndFeedsErrorsBack) {
+  const struct {
+    std::uint32_t shaping, frames_a_call;
+    std::vector<double> input, expected;
+  } kRows[] = {
+      {0, 9, {0.5, 1.5, 2.5, -0.5, -1.5, 0.499999, 0.500001, -0.75, 77}, {0, 2, 2, 0, -2, 0, 1, -1, 77}},
+      {1, 8, std::vector(8, 0.25), {0, 0, 1, 0, 0, 0, 1, 0}},
+      {2, 6, std::vector(6, 0.25), {0, 0, 1, -1, 1, 0}},
+      {3, 5, std::vector(5, 0.25), {0, 0, 1, 0, 0}},
+      // Errors below 2^-32 tip the balance within a call, but do not outlive it.
+      {1, 2, {0x1p-33, 0.5}, {0, 1}},
+      {1, 1, {0x1p-33, 0.5}, {0, 0}},
+      {1, 1, {0x1p-32, 0.5}, {0, 1}},
+      {2, 1, {0x1p-33, 0.5}, {0, 0}},
+      {2, 3, {-0x1p-32, 0x1p-32, 0.5}, {0, 0, 1}},
+      {2, 1, {-0x1p-32, 0x1p-32, 0.5}, {0, 0, 0}},
+      {2, 1, {-0x1p-31, 0x1p-31, 0.5}, {0, 0, 1}},
+  };
+  for (const std::uint32_t bits : dither::kWordLengthBits) {
+    for (const auto& row : kRows) {
+      CLmDither engine = Engine(bits, 0, row.shaping);
+      std::vector<double> samples = row.input;
+      for (double& sample : samples) sample *= std::exp2(1.0 - bits);
+      for (std::size_t at = 0; at < samples.size(); at += row.frames_a_call) {
+        engine.Process(&samples[at], row.frames_a_call, 1);
+      }
+      for (double& sample : samples) sample *= std::exp2(bits - 1.0);
+      EXPECT_EQ(samples, row.expected) << bits << " bits, row " << &row - kRows;
+    }
+  }
+}
+
+// Types, shapings and channels go one past their last: calls without effect leave the state, too.
+TEST(DitherEngine, EqualsTheModelInEveryBitWhateverTheControlWordAndLeavesThat) {
+  constexpr unsigned kDenormalsAreZero = 0x40;
+  const unsigned usual = _mm_getcsr();
+  const auto run = [&, input = Input()](std::uint32_t type, std::uint32_t shaping, std::uint32_t channels,
+                                        std::uint32_t frames, unsigned mode) {
+    auto actual = input;
+    auto expected = input;
+    CLmDither engine = Engine(32, type, shaping);
+    const unsigned control = (usual & ~(_MM_ROUND_MASK | _MM_EXCEPT_MASK)) | mode;
+    _mm_setcsr(control);
+    engine.Process(actual.data(), frames, channels);
+    const unsigned left = _mm_getcsr();
+    _mm_setcsr(usual);
+    engine.Process(&actual[600], 600, 2);
+    EXPECT_EQ(left & ~_MM_EXCEPT_MASK, control);
+
+    const bool valid = type < kDitherTypes && shaping < 4;
+    DitherModel model(32, type, shaping, kSeed);
+    if (valid && (channels == 1 || channels == 2)) model.Process(expected.data(), frames, channels);
+    if (valid) model.Process(&expected[600], 600, 2);
+    EXPECT_TRUE(SameBits(actual, expected)) << type << shaping << channels << ' ' << frames << ' ' << mode;
+  };
+  for (std::uint32_t i = 0; i < (kDitherTypes + 1) * 5 * 4; ++i) {
+    for (const unsigned mode : {_MM_ROUND_NEAREST, _MM_ROUND_DOWN, _MM_ROUND_UP, _MM_ROUND_TOWARD_ZERO}) {
+      for (const unsigned flush : {0u, _MM_FLUSH_ZERO_ON | kDenormalsAreZero}) {
+        for (const std::uint32_t frames : {0u, 300u}) run(i % 7, i / 7 % 5, i / 35, frames, mode | flush);
+      }
+    }
+  }
+}
+
+TEST(DitherEngine, OverloadAndNoNumbersAreBoundedAndForgotten) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  for (const std::uint32_t bits : {8u, 24u, 32u}) {
+    const double lsb = std::exp2(1.0 - bits);
+    for (std::uint32_t shaping = 0; shaping < 4; ++shaping) {
+      for (const double bad : {1.0, -1.0, 1.5, -300.0, 1e300, kInfinity, -kInfinity, std::nan("")}) {
+        SCOPED_TRACE(::testing::Message() << bits << " bits, shaping " << shaping << ", " << bad);
+        CLmDither engine = Engine(bits, 0, shaping);
+        std::vector<double> samples(2000, bad);
+        engine.Process(samples.data(), 1000, 2);
+        const double end = std::isnan(bad) ? 0.0 : std::clamp(bad, -0x1p31 * lsb, (0x1p31 - 1) * lsb);
+        for (const double y : samples) ASSERT_NEAR(y, end, 1.5 * lsb);
+
+        samples.assign(200, 0.0);
+        engine.Process(samples.data(), 100, 2);
+        for (std::size_t i = 0; i < samples.size(); ++i) ASSERT_LE(std::fabs(samples[i]), (i < 4 ? 32 : 1) * lsb) << i;
+      }
+    }
+  }
+}
+
+TEST(DitherEngine, CopiesGoOnAlikeAndIndependently) {
+  auto input = Input(), first_out = input, second_out = input;
+  std::optional<CLmDither> first(std::in_place, 8, DitherType::kHighpassTriangular, NoiseShaping::kEqualLoudnessContour,
+                                 [] { return kSeed; });
+  CLmDither second(16, DitherType::kNone, NoiseShaping::kOff, [] { return 1u; });
+  first->Process(input.data(), 101, 2);
+  second = *first;
+  first->Process(first_out.data(), 500, 2);
+  second.Process(second_out.data(), 500, 2);
+  const CLmDither& itself = *first;
+  *first = itself;
+  first->Process(&first_out[1000], 400, 2);
+  first.reset();
+  second.Process(&second_out[1000], 400, 2);
+  EXPECT_TRUE(SameBits(first_out, second_out));
+
+  second.Configure(8, DitherType::kRectangular, NoiseShaping::kOff);
+  DitherModel(8, 2, 0, kSeed).Process((first_out = input).data(), 900, 2);  // the clock came along
+  second.Process((second_out = input).data(), 900, 2);
+  EXPECT_TRUE(SameBits(first_out, second_out));
+}
+
+}  // namespace
+}  // namespace tervan
