@@ -22,6 +22,7 @@ namespace {
 using namespace tervan::testing;
 
 constexpr std::uint32_t kSeed = 7;
+constexpr std::uint32_t kTypes = 6, kShapings = 4;
 
 // Takes the numbers of enumerators, and beyond.
 CLmDither Engine(std::uint32_t bits, std::uint32_t type, std::uint32_t shaping) {
@@ -69,7 +70,7 @@ TEST(DitherEngine, RoundsToEvenAndFeedsErrorsBack) {
 
 // Types, shapings and channels go one past their last: calls without effect leave the state, too.
 TEST(DitherEngine, EqualsTheModelInEveryBitWhateverTheControlWordAndLeavesThat) {
-  constexpr unsigned kDenormalsAreZero = 0x40;
+  constexpr unsigned kFlushing = _MM_FLUSH_ZERO_ON | 0x40;  // results and operands
   const unsigned usual = _mm_getcsr();
   const auto run = [&, input = Input()](std::uint32_t type, std::uint32_t shaping, std::uint32_t channels,
                                         std::uint32_t frames, unsigned mode) {
@@ -84,16 +85,20 @@ TEST(DitherEngine, EqualsTheModelInEveryBitWhateverTheControlWordAndLeavesThat) 
     engine.Process(&actual[600], 600, 2);
     EXPECT_EQ(left & ~_MM_EXCEPT_MASK, control);
 
-    const bool valid = type < kDitherTypes && shaping < 4;
+    const bool valid = type < kTypes && shaping < kShapings;
     DitherModel model(32, type, shaping, kSeed);
     if (valid && (channels == 1 || channels == 2)) model.Process(expected.data(), frames, channels);
     if (valid) model.Process(&expected[600], 600, 2);
     EXPECT_TRUE(SameBits(actual, expected)) << type << shaping << channels << ' ' << frames << ' ' << mode;
   };
-  for (std::uint32_t i = 0; i < (kDitherTypes + 1) * 5 * 4; ++i) {
-    for (const unsigned mode : {_MM_ROUND_NEAREST, _MM_ROUND_DOWN, _MM_ROUND_UP, _MM_ROUND_TOWARD_ZERO}) {
-      for (const unsigned flush : {0u, _MM_FLUSH_ZERO_ON | kDenormalsAreZero}) {
-        for (const std::uint32_t frames : {0u, 300u}) run(i % 7, i / 7 % 5, i / 35, frames, mode | flush);
+  for (std::uint32_t type = 0; type <= kTypes; ++type) {
+    for (std::uint32_t shaping = 0; shaping <= kShapings; ++shaping) {
+      for (const std::uint32_t channels : {0u, 1u, 2u, 3u}) {
+        for (const unsigned mode : {_MM_ROUND_NEAREST, _MM_ROUND_DOWN, _MM_ROUND_UP, _MM_ROUND_TOWARD_ZERO}) {
+          run(type, shaping, channels, 300, mode);
+          run(type, shaping, channels, 300, mode | kFlushing);
+          run(type, shaping, channels, 0, mode);
+        }
       }
     }
   }
@@ -103,7 +108,7 @@ TEST(DitherEngine, OverloadAndNoNumbersAreBoundedAndForgotten) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   for (const std::uint32_t bits : {8u, 24u, 32u}) {
     const double lsb = std::exp2(1.0 - bits);
-    for (std::uint32_t shaping = 0; shaping < 4; ++shaping) {
+    for (std::uint32_t shaping = 0; shaping < kShapings; ++shaping) {
       for (const double bad : {1.0, -1.0, 1.5, -300.0, 1e300, kInfinity, -kInfinity, std::nan("")}) {
         SCOPED_TRACE(::testing::Message() << bits << " bits, shaping " << shaping << ", " << bad);
         CLmDither engine = Engine(bits, 0, shaping);
@@ -134,11 +139,6 @@ TEST(DitherEngine, CopiesGoOnAlikeAndIndependently) {
   first->Process(&first_out[1000], 400, 2);
   first.reset();
   second.Process(&second_out[1000], 400, 2);
-  EXPECT_TRUE(SameBits(first_out, second_out));
-
-  second.Configure(8, DitherType::kRectangular, NoiseShaping::kOff);
-  DitherModel(8, 2, 0, kSeed).Process((first_out = input).data(), 900, 2);  // the clock came along
-  second.Process((second_out = input).data(), 900, 2);
   EXPECT_TRUE(SameBits(first_out, second_out));
 }
 
