@@ -127,8 +127,10 @@ TEST(GateEngine, OpensAtTheThresholdAndClosesBelow85PercentOfIt) {
   } kRows[] = {{-400, kSilent, 0.00999, 0}, {-400, kSilent, 0.01001, 1}, {-400, 0.02, 0.00851, 1},
                {-400, 0.02, 0.00849, 0},    {0, kSilent, 1.0, 1},        {0, 1.0, 0.85, 1}};
   for (const auto& row : kRows) {
-    const auto gains = Gains({3, 100, row.threshold_tenth_db, 0}, {{5000, row.before}, {20000, row.level}});
-    EXPECT_NEAR(gains.back(), row.gain, 1e-9) << row.level;
+    for (const std::int32_t attack_ms : {3, 300}) {  // longer than the first level lasts: hold follows at once
+      const auto gains = Gains({attack_ms, 100, row.threshold_tenth_db, 0}, {{5000, row.before}, {20000, row.level}});
+      EXPECT_NEAR(gains.back(), row.gain, 1e-9) << row.level << " after " << row.before;
+    }
   }
 }
 
