@@ -1,66 +1,72 @@
 // Processing plain float buffers without a graph, and what every call leaves as it was.
 #include <cfenv>
-#include <vector>
 
 #include <xmmintrin.h>
 
-#include "module/module.h"
+#include "module/effects.h"
 
 namespace tervan::test {
 namespace {
 
-using DirectTest = ModuleTest;
+using DirectTest = EffectTest;
+using EqDirectTest = ModuleTest;
+TERVAN_FOR_ALL_EFFECTS(DirectTest);
 
-// Processes a tenth of a second of full scale and returns its last sample.
-float Process(const Compressor& compressor, DWORD channels) {
-  std::vector<float> buffer(channels * 4410, 1.0f);
-  EXPECT_EQ(compressor.direct->ProcessBuffer(buffer.data(), 4410, 0), S_OK);
+// Processes a fifth of a second of the effect's level and returns its last sample.
+float Process(const Filter& filter, DWORD channels) {
+  std::vector<float> buffer(channels * 8820, static_cast<float>(filter.effect.level));
+  EXPECT_EQ(filter.direct->ProcessBuffer(buffer.data(), 8820, 0), S_OK);
   return buffer.back();
 }
 
-TEST_F(DirectTest, AStreamHasItsFormatAndIsLimited) {
-  const Compressor compressor;
-  ASSERT_EQ(compressor.presets->ApplyPreset(kHardLimiter), S_OK);
+TEST_P(DirectTest, AStreamHasItsFormatAndIsChangedOrLeft) {
+  const Filter filter(effect);
   for (const DWORD channels : {1u, 2u}) {
     SCOPED_TRACE(channels);
-    ASSERT_EQ(compressor.direct->BeginStream(channels, 44100), S_OK);
-    Process(compressor, channels);
-    EXPECT_NEAR(Process(compressor, channels), kLimit, 1e-3);
+    filter.Set(effect.audible);
+    ASSERT_EQ(filter.direct->BeginStream(channels, 44100), S_OK);
+    EXPECT_NEAR(Process(filter, channels), effect.audible_level, 1e-3);
     WAVEFORMATEX format{};
-    ASSERT_EQ(compressor.control->GetFormat(&format), S_OK);
+    ASSERT_EQ(filter.Slot(effect.format_slot, &format), S_OK);
     EXPECT_EQ(format.wFormatTag, WAVE_FORMAT_IEEE_FLOAT);
     EXPECT_EQ(format.nBlockAlign, 4 * channels);
     EXPECT_EQ(format.nAvgBytesPerSec, 44100 * 4 * channels);
-    EXPECT_EQ(compressor.direct->EndStream(), S_OK);
+    EXPECT_EQ(filter.direct->EndStream(), S_OK);
+    filter.Set(effect.transparent);
+    ASSERT_EQ(filter.direct->BeginStream(channels, 44100), S_OK);
+    EXPECT_EQ(Process(filter, channels), static_cast<float>(effect.level));
+    EXPECT_EQ(filter.direct->EndStream(), S_OK);
   }
 }
 
-TEST_F(DirectTest, ChangesOfSettingsWaitForRefresh) {
-  const Compressor compressor;
-  IDirectBufferProcess& direct = *compressor.direct;
+TEST_P(DirectTest, ChangesOfSettingsWaitForRefreshButNotInTheDither) {
+  const Filter filter(effect);
+  IDirectBufferProcess& direct = *filter.direct;
+  const bool waits = effect.has_automation;
   ASSERT_EQ(direct.BeginStream(2, 44100), S_OK);
   EXPECT_EQ(direct.Refresh(0, 1, 2), S_FALSE) << "nothing to push";
-  ASSERT_EQ(compressor.presets->ApplyPreset(kHardLimiter), S_OK);
-  EXPECT_EQ(direct.IsUnchanged(), S_OK);
-  EXPECT_EQ(Process(compressor, 2), 1.0f) << "not pushed yet";
-  EXPECT_EQ(direct.Refresh(0, 0, 0), S_OK);
   EXPECT_EQ(direct.IsUnchanged(), S_FALSE);
-  Process(compressor, 2);
-  EXPECT_NEAR(Process(compressor, 2), kLimit, 1e-3);
+  filter.Set(effect.audible);
+  EXPECT_EQ(direct.IsUnchanged(), S_OK);
+  EXPECT_NEAR(Process(filter, 2), waits ? effect.level : effect.audible_level, 1e-6);
+  EXPECT_EQ(direct.IsUnchanged(), waits ? S_OK : S_FALSE);
+  EXPECT_EQ(direct.Refresh(0, 0, 0), waits ? S_OK : S_FALSE);
+  EXPECT_EQ(direct.IsUnchanged(), S_FALSE);
+  EXPECT_NEAR(Process(filter, 2), effect.audible_level, 1e-3);
   EXPECT_EQ(direct.Refresh(1, 0, 0), S_OK) << "a reset";
 }
 
-TEST_F(DirectTest, FlushTailAndAbsurdArguments) {
-  const Compressor compressor;
-  IDirectBufferProcess& direct = *compressor.direct;
-  const std::vector<float> before(100, 1.0f);
+TEST_P(DirectTest, FlushTailAndAbsurdArguments) {
+  const Filter filter(effect);
+  IDirectBufferProcess& direct = *filter.direct;
+  const std::vector<float> before(100, static_cast<float>(effect.level));
   std::vector<float> buffer = before;
   EXPECT_HRESULT_SUCCEEDED(direct.ProcessBuffer(buffer.data(), 50, 0)) << "no stream has begun";
   EXPECT_HRESULT_SUCCEEDED(direct.EndStream());
   for (const DWORD channels : {0u, 3u, 0x10001u}) {
     EXPECT_EQ(direct.BeginStream(channels, 44100), E_INVALIDARG) << channels;
   }
-  ASSERT_EQ(compressor.presets->ApplyPreset(kHardLimiter), S_OK);
+  filter.Set(effect.audible);
   ASSERT_EQ(direct.BeginStream(2, 0xFFFFFFFF), S_OK);
   EXPECT_EQ(direct.ProcessBuffer(nullptr, 50, 0), E_POINTER);
   EXPECT_EQ(direct.ProcessBuffer(buffer.data(), 50, 1), S_FALSE) << "a flush";
@@ -71,13 +77,24 @@ TEST_F(DirectTest, FlushTailAndAbsurdArguments) {
   EXPECT_EQ(buffer, before);
 }
 
+TEST_F(EqDirectTest, AFlushWaitsForTheTailToDieAway) {
+  const Filter filter(kEq);
+  filter.Set(filter.effect.audible);
+  ASSERT_EQ(filter.direct->BeginStream(1, 44100), S_OK);
+  Process(filter, 1);
+  std::vector<float> silence(4000);
+  EXPECT_EQ(filter.direct->ProcessBuffer(silence.data(), 4000, 1), S_OK);
+  EXPECT_GT(silence.front(), 0.1f);
+  EXPECT_EQ(filter.direct->ProcessBuffer(silence.data(), 4000, 1), S_FALSE);
+}
+
 // Rounding, exception masks and the treatment of denormal numbers belong to the caller.
-TEST_F(DirectTest, LeavesTheFloatingPointEnvironmentAlone) {
+TEST_P(DirectTest, LeavesTheFloatingPointEnvironmentAlone) {
   constexpr unsigned kControlBits = 0xFFC0;  // all but the exceptions that happened
   constexpr unsigned kFlushBits = 0x8040;    // denormal numbers count as 0
   const unsigned before = _mm_getcsr();
-  const Compressor compressor;
-  ASSERT_EQ(compressor.presets->ApplyPreset(5), S_OK);
+  const Filter filter(effect);
+  ASSERT_EQ(filter.presets->ApplyPreset(5), S_OK);
   for (const int rounding : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
     for (const unsigned flush : {0u, kFlushBits}) {
       SCOPED_TRACE(testing::Message() << rounding << ' ' << flush);
@@ -85,14 +102,14 @@ TEST_F(DirectTest, LeavesTheFloatingPointEnvironmentAlone) {
       _mm_setcsr((_mm_getcsr() & ~kFlushBits) | flush);
       const unsigned wanted = _mm_getcsr() & kControlBits;
       std::vector<float> buffer(2000, 1e-30f);
-      compressor.direct->BeginStream(2, 44100);
-      compressor.direct->ProcessBuffer(buffer.data(), 1000, 0);
-      compressor.direct->Refresh(1, 0, 0);
-      compressor.control->SetThreshold(-20);
-      compressor.presets->ApplyPreset(3);
-      compressor.direct->ProcessBuffer(buffer.data(), 1000, 1);
-      compressor.direct->EndStream();
-      NewCompressor<IUnknown>();
+      filter.direct->BeginStream(2, 44100);
+      filter.direct->ProcessBuffer(buffer.data(), 1000, 0);
+      filter.direct->Refresh(1, 0, 0);
+      filter.SetAt(effect.params[0], 2);
+      filter.presets->ApplyPreset(3);
+      filter.direct->ProcessBuffer(buffer.data(), 1000, 1);
+      filter.direct->EndStream();
+      Filter another(effect);
       EXPECT_EQ(_mm_getcsr() & kControlBits, wanted);
       EXPECT_EQ(std::fegetround(), rounding);
       std::fesetround(FE_TONEAREST);

@@ -4,7 +4,7 @@
 
 #include <iterator>
 
-#include "module/module.h"
+#include "module/effects.h"
 
 namespace tervan::test {
 namespace {
@@ -12,12 +12,14 @@ namespace {
 void* const kPoison = reinterpret_cast<void*>(0x5a5a5a5a);
 
 using ExportsTest = ModuleTest;
-using ClassObjectTest = ModuleTest;
-using IdentityTest = ModuleTest;
+using ClassObjectTest = EffectTest;
+using IdentityTest = EffectTest;
+TERVAN_FOR_ALL_EFFECTS(ClassObjectTest);
+TERVAN_FOR_ALL_EFFECTS(IdentityTest);
 
 TEST_F(ExportsTest, CarryPlainNames) {
   for (const char* name : {"DllMain", "DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer",
-                           "DllUnregisterServer", "BuildPositionStringEx"}) {
+                           "DllUnregisterServer", "BuildPositionStringEx", "_ZN6tervan9CLmDitheraSERKS0_"}) {
     EXPECT_NE(GetProcAddress(TheModule(), name), nullptr) << name;
   }
 }
@@ -32,87 +34,97 @@ TEST_F(ExportsTest, BuildPositionStringExTouchesNoArgument) {
   EXPECT_STREQ(text, "text");
 }
 
-TEST_F(ClassObjectTest, ServesItsClassesThroughTwoInterfacesOnly) {
-  const struct {
-    CLSID clsid;
-    IID iid;
-    HRESULT result;
-  } rows[] = {
-      {kCompressorClsid, IID_IUnknown, S_OK},
-      {kCompressorClsid, IID_IClassFactory, S_OK},
-      {kCompressorClsid, IID_IBaseFilter, E_NOINTERFACE},
-      {CLSID_NULL, IID_IClassFactory, CLASS_E_CLASSNOTAVAILABLE},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(&row - rows);
-    void* out = kPoison;
-    EXPECT_EQ(GetClassObject(row.clsid, row.iid, &out), row.result);
-    EXPECT_EQ(out != nullptr, row.result == S_OK);
-    if (row.result == S_OK) {
-      EXPECT_EQ(static_cast<IUnknown*>(out)->Release(), 0u);
-    }
+TEST_P(ClassObjectTest, ServesItsClassThroughTwoInterfacesOnly) {
+  for (const IID& iid : {IID_IUnknown, IID_IClassFactory}) {
+    ComPtr<IUnknown> factory;
+    ASSERT_EQ(GetClassObject(effect.clsid, iid, factory.PutVoid()), S_OK);
+    EXPECT_EQ(factory.Detach()->Release(), 0u);
   }
-  EXPECT_EQ(GetClassObject(kCompressorClsid, IID_IClassFactory, nullptr), E_POINTER);
+  void* out = kPoison;
+  EXPECT_EQ(GetClassObject(effect.clsid, IID_IBaseFilter, &out), E_NOINTERFACE);
+  EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(GetClassObject(CLSID_NULL, IID_IClassFactory, &(out = kPoison)), CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(GetClassObject(effect.clsid, IID_IClassFactory, nullptr), E_POINTER);
 }
 
-TEST_F(ClassObjectTest, CreatesWhatIsAskedForOrNothing) {
+TEST_P(ClassObjectTest, CreatesWhatIsAskedForOrNothing) {
   CountedFake<IUnknown> outer;
   void* out = kPoison;
-  EXPECT_EQ(Create(kCompressorClsid, nullptr, IID_IDispatch, &out), E_NOINTERFACE);
+  EXPECT_EQ(Create(effect.clsid, nullptr, IID_IDispatch, &out), E_NOINTERFACE);
   EXPECT_EQ(out, nullptr);
-  EXPECT_EQ(Create(kCompressorClsid, &outer, IID_IBaseFilter, &(out = kPoison)), E_NOINTERFACE);
+  EXPECT_EQ(Create(effect.clsid, &outer, IID_IBaseFilter, &(out = kPoison)), E_NOINTERFACE);
   EXPECT_EQ(out, nullptr);
-  EXPECT_EQ(Create(kCompressorClsid, nullptr, IID_IBaseFilter, nullptr), E_POINTER);
+  EXPECT_EQ(Create(effect.clsid, nullptr, IID_IBaseFilter, nullptr), E_POINTER);
 }
 
-TEST_F(ClassObjectTest, LocksFactoriesAndObjectsKeepTheModuleLoaded) {
+TEST_P(ClassObjectTest, LocksFactoriesAndObjectsKeepTheModuleLoaded) {
   ComPtr<IClassFactory> factory;
-  ASSERT_EQ(GetClassObject(kCompressorClsid, IID_IClassFactory, factory.PutVoid()), S_OK);
+  ASSERT_EQ(GetClassObject(effect.clsid, IID_IClassFactory, factory.PutVoid()), S_OK);
   EXPECT_EQ(CanUnloadNow(), S_FALSE);
   EXPECT_EQ(factory->LockServer(TRUE), S_OK);
   factory.Reset();
   EXPECT_EQ(CanUnloadNow(), S_FALSE);
-  ASSERT_EQ(GetClassObject(kCompressorClsid, IID_IClassFactory, factory.PutVoid()), S_OK);
+  ASSERT_EQ(GetClassObject(effect.clsid, IID_IClassFactory, factory.PutVoid()), S_OK);
   EXPECT_EQ(factory->LockServer(FALSE), S_OK);
   factory.Reset();
   EXPECT_EQ(CanUnloadNow(), S_OK);
-  const auto filter = NewCompressor<IBaseFilter>();
+  const Filter filter(effect);
   EXPECT_EQ(CanUnloadNow(), S_FALSE);
 }
 
-const IID kAnswered[] = {
+const IID kOfAll[] = {
     IID_IUnknown,
-    {0xc400f99b, 0x0c6e, 0x444c, {0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e}},  // the control interface
-    {0x6d6cbb61, 0xa223, 0x44aa, {0x84, 0x2f, 0xa2, 0xf0, 0x67, 0x50, 0xbe, 0x6e}},  // IMediaParams
-    {0x6d6cbb60, 0xa223, 0x44aa, {0x84, 0x2f, 0xa2, 0xf0, 0x67, 0x50, 0xbe, 0x6d}},  // IMediaParamInfo
-    {0xf5011136, 0xc416, 0x48b9, {0x8c, 0x35, 0xe7, 0xc5, 0xf9, 0xaa, 0x6f, 0xdf}},  // the recorder's site
     IID_ISpecifyPropertyPages,
     IID_IPersistStream,
-    {0x36a22460, 0x0cc9, 0x11d0, {0x85, 0x74, 0x00, 0xa0, 0xc9, 0x05, 0x39, 0x12}},  // presets
-    {0x8568d2a1, 0x2a86, 0x11d3, {0x9e, 0x94, 0x00, 0xc0, 0x4f, 0x68, 0xbe, 0x44}},  // direct processing
+    Id(L"{36a22460-0cc9-11d0-8574-00a0c9053912}"),  // IPluginPresets
+    Id(L"{8568d2a1-2a86-11d3-9e94-00c04f68be44}"),  // IDirectBufferProcess
     IID_IBaseFilter,
     IID_IMediaFilter,
     IID_IPersist,
     IID_IAMovieSetup,
 };
+const IID kOfAutomation[] = {
+    Id(L"{6d6cbb61-a223-44aa-842f-a2f06750be6e}"),  // IMediaParams
+    Id(L"{6d6cbb60-a223-44aa-842f-a2f06750be6d}"),  // IMediaParamInfo
+    Id(L"{f5011136-c416-48b9-8c35-e7c5f9aa6fdf}"),  // the recorder's site
+};
 
-TEST_F(IdentityTest, EveryInterfaceLeadsToEveryOtherAndNoOtherIsAnswered) {
-  const auto identity = NewCompressor<IUnknown>();
-  for (const IID& from : kAnswered) {
-    SCOPED_TRACE(&from - kAnswered);
+std::vector<IID> AnsweredBy(const EffectRow& effect) {
+  std::vector<IID> answered(std::begin(kOfAll), std::end(kOfAll));
+  answered.push_back(effect.control_iid);
+  if (effect.has_automation) answered.insert(answered.end(), std::begin(kOfAutomation), std::end(kOfAutomation));
+  return answered;
+}
+
+// Not even those that other effects answer.
+std::vector<IID> RefusedBy(const EffectRow& effect) {
+  std::vector<IID> refused = {IID_IDispatch, IID_IPropertyPage, IID_IMediaSeeking, IID_IPin, IID_IMemInputPin};
+  if (!effect.has_automation) refused.insert(refused.end(), std::begin(kOfAutomation), std::end(kOfAutomation));
+  for (const EffectRow& other : Effects()) {
+    if (other.control_iid != effect.control_iid) refused.push_back(other.control_iid);
+  }
+  return refused;
+}
+
+TEST_P(IdentityTest, EveryInterfaceLeadsToEveryOtherAndNoOtherIsAnswered) {
+  ComPtr<IUnknown> identity;
+  ASSERT_EQ(Create(effect.clsid, nullptr, IID_IUnknown, identity.PutVoid()), S_OK);
+  for (const IID& from : AnsweredBy(effect)) {
+    SCOPED_TRACE(from.Data1);
     ComPtr<IUnknown> first;
     ASSERT_EQ(identity->QueryInterface(from, first.PutVoid()), S_OK);
     EXPECT_EQ(Query<IUnknown>(first.Get()).Get(), identity.Get());
-    for (const IID& to : kAnswered) {
+    for (const IID& to : AnsweredBy(effect)) {
       ComPtr<IUnknown> second;
-      EXPECT_EQ(first->QueryInterface(to, second.PutVoid()), S_OK) << &to - kAnswered;
+      EXPECT_EQ(first->QueryInterface(to, second.PutVoid()), S_OK) << to.Data1;
+    }
+    for (const IID& refused : RefusedBy(effect)) {
+      void* out = kPoison;
+      EXPECT_EQ(first->QueryInterface(refused, &out), E_NOINTERFACE) << refused.Data1;
+      EXPECT_EQ(out, nullptr) << refused.Data1;
     }
     EXPECT_EQ(first->QueryInterface(from, nullptr), E_POINTER);
-  }
-  for (const IID& iid : {IID_IDispatch, IID_IPropertyPage, IID_IMediaSeeking, IID_IPin, IID_IMemInputPin}) {
-    void* out = kPoison;
-    EXPECT_EQ(identity->QueryInterface(iid, &out), E_NOINTERFACE) << std::hex << iid.Data1;
-    EXPECT_EQ(out, nullptr) << std::hex << iid.Data1;
   }
 }
 
@@ -128,14 +140,14 @@ class Owner final : public CountedFake<IServiceProvider> {
   IUnknown* inner = nullptr;
 };
 
-TEST_F(IdentityTest, InsideAnOuterObjectAllInterfacesButOneAreTheOuters) {
+TEST_P(IdentityTest, InsideAnOuterObjectAllInterfacesButOneAreTheOuters) {
   Owner owner;
-  ASSERT_EQ(Create(kCompressorClsid, &owner, IID_IUnknown, reinterpret_cast<void**>(&owner.inner)), S_OK);
+  ASSERT_EQ(Create(effect.clsid, &owner, IID_IUnknown, reinterpret_cast<void**>(&owner.inner)), S_OK);
   EXPECT_NE(owner.inner, static_cast<IUnknown*>(&owner));
   EXPECT_EQ(owner.references, 0) << "an inner object holds no reference on its owner";
-  for (const IID& iid : kAnswered) {
+  for (const IID& iid : AnsweredBy(effect)) {
     if (iid == IID_IUnknown) continue;
-    SCOPED_TRACE(&iid - kAnswered);
+    SCOPED_TRACE(iid.Data1);
     ComPtr<IUnknown> answered;
     ASSERT_EQ(owner.QueryInterface(iid, answered.PutVoid()), S_OK);
     EXPECT_EQ(owner.references, 1);
@@ -146,17 +158,19 @@ TEST_F(IdentityTest, InsideAnOuterObjectAllInterfacesButOneAreTheOuters) {
   EXPECT_EQ(owner.inner->Release(), 0u);
 }
 
-TEST_F(IdentityTest, NamesItsClassAndItsPage) {
-  const auto persist = NewCompressor<IPersistStream>();
-  CLSID clsid{};
-  EXPECT_EQ(persist->GetClassID(&clsid), S_OK);
-  EXPECT_EQ(clsid, kCompressorClsid);
-  EXPECT_EQ(persist->GetClassID(nullptr), E_POINTER);
-  const auto specify = Query<ISpecifyPropertyPages>(persist.Get());
+TEST_P(IdentityTest, NamesItsClassAndItsPage) {
+  const Filter filter(effect);
+  for (const auto& persist : {Query<IPersist>(filter.control.Get()), ComPtr<IPersist>(filter.persist.Get())}) {
+    CLSID clsid{};
+    EXPECT_EQ(persist->GetClassID(&clsid), S_OK);
+    EXPECT_EQ(clsid, effect.clsid);
+    EXPECT_EQ(persist->GetClassID(nullptr), E_POINTER);
+  }
+  const auto specify = Query<ISpecifyPropertyPages>(filter.control.Get());
   CAUUID pages{77, nullptr};
   ASSERT_EQ(specify->GetPages(&pages), S_OK);
   ASSERT_EQ(pages.cElems, 1u);
-  EXPECT_EQ(pages.pElems[0], kCompressorPageClsid);
+  EXPECT_EQ(pages.pElems[0], effect.page_clsid);
   CoTaskMemFree(pages.pElems);
   EXPECT_EQ(specify->GetPages(nullptr), E_POINTER);
 }

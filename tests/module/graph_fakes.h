@@ -1,4 +1,4 @@
-// A source and a sink around the compressor in the platform's filter graph. The test's own thread delivers the samples,
+// A source and a sink around an effect in the platform's filter graph. The test's own thread delivers the samples,
 // so every step has happened when its call returns.
 #pragma once
 #include <atomic>
@@ -12,11 +12,10 @@
 #include "directshow/base_filter.h"
 #include "directshow/input_pin.h"
 #include "directshow/output_pin.h"
-#include "module/module.h"
+#include "module/effects.h"
 
 namespace tervan::test {
 
-using Bytes = std::vector<BYTE>;
 using directshow::MediaType;
 
 struct Format {
@@ -181,40 +180,42 @@ inline ComPtr<IPin> PinOf(IBaseFilter& filter, const wchar_t* name) {
   return pin;
 }
 
-// source -> compressor -> sink, in a filter graph of the platform's, not yet connected.
-struct CompressorGraph {
-  explicit CompressorGraph(const Format& format) : source(new Source(format)), sink(new Sink) {
-    keep_source = ComPtr<IBaseFilter>(source);
-    keep_sink = ComPtr<IBaseFilter>(sink);
-    compressor = NewCompressor<IBaseFilter>();
-    control = Query<ICompressorSettings>(compressor.Get());
+// source -> effect -> sink, in a filter graph of the platform's, not yet connected.
+struct EffectGraph {
+  EffectGraph(const EffectRow& effect, const Format& format)
+      : source(new Source(format)), sink(new Sink), keep_source(source), keep_sink(sink), filter(effect) {
+    base = Query<IBaseFilter>(filter.control.Get());
     EXPECT_EQ(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_IGraphBuilder, builder.PutVoid()),
               S_OK);
     media = Query<IMediaControl>(builder.Get());
     EXPECT_EQ(builder->AddFilter(source, L"source"), S_OK);
-    EXPECT_EQ(builder->AddFilter(compressor.Get(), L"compressor"), S_OK);
+    EXPECT_EQ(builder->AddFilter(base.Get(), effect.display_name), S_OK);
     EXPECT_EQ(builder->AddFilter(sink, L"sink"), S_OK);
-    input = PinOf(*compressor, L"Input");
-    output = PinOf(*compressor, L"Output");
+    input = PinOf(*base, L"Input");
+    output = PinOf(*base, L"Output");
   }
-  ~CompressorGraph() {
+  ~EffectGraph() {
     if (media) media->Stop();
   }
   void Connect() {
     ASSERT_EQ(builder->ConnectDirect(&source->pin, input.Get(), nullptr), S_OK);
     ASSERT_EQ(builder->ConnectDirect(output.Get(), &sink->pin, nullptr), S_OK);
   }
-  void ApplyPreset(LONG index) { EXPECT_EQ(Query<IPluginPresets>(compressor.Get())->ApplyPreset(index), S_OK); }
   void Start() {
     Connect();
     ASSERT_HRESULT_SUCCEEDED(media->Run());
+  }
+  WAVEFORMATEX StoredFormat(HRESULT expected_result = S_OK) const {
+    WAVEFORMATEX stored{};
+    EXPECT_EQ(filter.Slot(filter.effect.format_slot, &stored), expected_result);
+    return stored;
   }
 
   Source* source;
   Sink* sink;
   ComPtr<IBaseFilter> keep_source, keep_sink;
-  ComPtr<IBaseFilter> compressor;
-  ComPtr<ICompressorSettings> control;
+  Filter filter;
+  ComPtr<IBaseFilter> base;
   ComPtr<IGraphBuilder> builder;
   ComPtr<IMediaControl> media;
   ComPtr<IPin> input, output;

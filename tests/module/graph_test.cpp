@@ -1,4 +1,5 @@
-// The compressor in the platform's filter graph.
+// The effects in the platform's filter graph.
+#include <cmath>
 #include <iterator>
 #include <random>
 
@@ -8,13 +9,14 @@ namespace tervan::test {
 namespace {
 
 constexpr WORD kPcm = WAVE_FORMAT_PCM, kFloat = WAVE_FORMAT_IEEE_FLOAT;
-constexpr Format kFormats[] = {{kPcm, 2, 44100, 8},  {kPcm, 1, 44100, 16},   {kPcm, 2, 44100, 16},
-                               {kPcm, 2, 44100, 32}, {kFloat, 2, 44100, 32}, {kFloat, 1, 44100, 64}};
 constexpr Format kMono = {kFloat, 1, 50000, 64};
 
-using GraphTest = ModuleTest;
+using GraphTest = EffectTest;
+using AutomatedGraphTest = EffectTest;
+TERVAN_FOR_ALL_EFFECTS(GraphTest);
+TERVAN_FOR_AUTOMATED_EFFECTS(AutomatedGraphTest);
 
-TEST_F(GraphTest, TakesFormatsByTagChannelsAndBits) {
+TEST_P(GraphTest, TakesFormatsByTagChannelsAndBits) {
   const struct {
     const char* what;
     Format format;
@@ -26,20 +28,19 @@ TEST_F(GraphTest, TakesFormatsByTagChannelsAndBits) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
-    CompressorGraph graph(row.format);
+    EffectGraph graph(effect, row.format);
     const MediaType type = AudioType(row.format);
     EXPECT_EQ(graph.input->QueryAccept(&type.Get()), row.accepted ? S_OK : S_FALSE);
     EXPECT_EQ(graph.input->ReceiveConnection(&graph.source->pin, &type.Get()),
               row.accepted ? S_OK : VFW_E_TYPE_NOT_ACCEPTED);
-    WAVEFORMATEX stored{};
-    EXPECT_EQ(graph.control->GetFormat(&stored), row.accepted ? S_OK : VFW_E_NOT_CONNECTED);
+    const WAVEFORMATEX stored = graph.StoredFormat(row.accepted ? S_OK : VFW_E_NOT_CONNECTED);
     const WAVEFORMATEX expected = row.accepted ? WaveFormat(row.format) : WAVEFORMATEX{};
     EXPECT_EQ(std::memcmp(&stored, &expected, sizeof stored), 0);
   }
 }
 
-TEST_F(GraphTest, TheMediaTypeAroundAFormatCounts) {
-  CompressorGraph graph({kPcm, 2, 44100, 16});
+TEST_P(GraphTest, TheMediaTypeAroundAFormatCounts) {
+  EffectGraph graph(effect, {kPcm, 2, 44100, 16});
   const MediaType good = AudioType({kPcm, 2, 44100, 16});
   AM_MEDIA_TYPE video = good.Get(), compressed = good.Get(), blockless = good.Get();
   video.majortype = MEDIATYPE_Video;
@@ -51,102 +52,109 @@ TEST_F(GraphTest, TheMediaTypeAroundAFormatCounts) {
   EXPECT_EQ(graph.input->QueryAccept(nullptr), E_POINTER);
 }
 
-TEST_F(GraphTest, TheOutputHasTheInputsTypeAndEachPinTellsTheWindows) {
+TEST_P(GraphTest, TheOutputHasTheInputsTypeAndEachPinTellsTheWindows) {
   Window window;
-  CompressorGraph graph({kPcm, 2, 44100, 16});
-  ASSERT_EQ(graph.control->SetNotifyWindow(window, 5), S_OK);
+  EffectGraph graph(effect, {kPcm, 2, 44100, 16});
+  ASSERT_EQ(graph.filter.Register(window, 5), S_OK);
   ASSERT_NO_FATAL_FAILURE(graph.Connect());
-  EXPECT_THAT(window.Take(), testing::ElementsAre(testing::Pair(5, 0), testing::Pair(5, 1)));
+  EXPECT_EQ(window.Take(), (Commands{{5, 0}, {5, 1}}));
   AM_MEDIA_TYPE type{};
   ASSERT_EQ(graph.output->ConnectionMediaType(&type), S_OK);
   EXPECT_TRUE(directshow::IsSameMediaType(type, AudioType({kPcm, 2, 44100, 16})));
   directshow::FreeMediaType(type);
 }
 
-// Full scale goes in; a limiter at -6 dB lets half of it out.
 template <class Sample>
-void ExpectLimited(const Format& format, Sample full_scale, double expected, double tolerance) {
-  SCOPED_TRACE(testing::Message() << format.bits << " bits, " << format.channels << " channels");
-  CompressorGraph graph(format);
-  graph.ApplyPreset(kHardLimiter);
+void ExpectChangedOrLeft(const EffectRow& effect, WORD channels) {
+  constexpr bool kIsFloat = std::is_floating_point_v<Sample>;
+  constexpr double kFullScale = kIsFloat ? 1.0 : 1ull << (8 * sizeof(Sample) - 1);
+  constexpr double kSilence = sizeof(Sample) == 1 ? 128 : 0;
+  constexpr double kTolerance = sizeof(Sample) == 1 ? 2 : kFullScale / 1000;
+  SCOPED_TRACE(testing::Message() << sizeof(Sample) << " bytes, " << kIsFloat << ", " << channels << " channels");
+  EffectGraph graph(effect, {kIsFloat ? kFloat : kPcm, channels, 44100, 8 * sizeof(Sample)});
+  graph.filter.Set(effect.audible);
   ASSERT_NO_FATAL_FAILURE(graph.Start());
-  for (int i = 0; i < 3; ++i) {
-    ASSERT_EQ(graph.source->pin.Send({.bytes = Repeat(full_scale, 4000u * format.channels)}), S_OK);
-  }
+  const Bytes frames = Repeat(static_cast<Sample>(effect.level * kFullScale + kSilence), 4000u * channels);
+  for (int i = 0; i < 3; ++i) ASSERT_EQ(graph.source->pin.Send({.bytes = frames}), S_OK);
   const Bytes& last = graph.sink->pin.samples.back();
-  ASSERT_EQ(last.size(), 4000 * format.FrameBytes());
-  EXPECT_NEAR(SampleAt<Sample>(last, 0), expected, tolerance);
-  EXPECT_NEAR(SampleAt<Sample>(last, 4000u * format.channels - 1), expected, tolerance);
+  ASSERT_EQ(last.size(), frames.size());
+  for (const unsigned index : {0u, 4000u * channels - 1}) {
+    EXPECT_NEAR(SampleAt<Sample>(last, index), effect.audible_level * kFullScale + kSilence, kTolerance);
+  }
+  graph.filter.Set(effect.transparent);
+  ASSERT_EQ(graph.source->pin.Send({.bytes = frames}), S_OK);
+  EXPECT_TRUE(graph.sink->pin.samples.back() == frames);
 }
 
-TEST_F(GraphTest, LimitsEveryFormat) {
-  ExpectLimited<BYTE>(kFormats[0], 255, 128 + 128 * kLimit, 2);
-  ExpectLimited<INT16>(kFormats[1], 32767, 32768 * kLimit, 33);
-  ExpectLimited<INT16>(kFormats[2], 32767, 32768 * kLimit, 33);
-  ExpectLimited<INT32>(kFormats[3], 0x7FFFFFFF, 0x80000000 * kLimit, 2e6);
-  ExpectLimited<float>(kFormats[4], 1, kLimit, 1e-3);
-  ExpectLimited<double>(kFormats[5], 1, kLimit, 1e-3);
+TEST_P(GraphTest, ChangesOrLeavesEveryFormat) {
+  ExpectChangedOrLeft<BYTE>(effect, 2);
+  ExpectChangedOrLeft<INT16>(effect, 1);
+  ExpectChangedOrLeft<INT16>(effect, 2);
+  ExpectChangedOrLeft<INT32>(effect, 2);
+  ExpectChangedOrLeft<float>(effect, 2);
+  ExpectChangedOrLeft<double>(effect, 1);
 }
 
-TEST_F(GraphTest, TakesItsOwnFormatAgainAfterDirectProcessing) {
-  const Format& format = kFormats[2];
-  CompressorGraph graph(format);
-  graph.ApplyPreset(kHardLimiter);
+TEST_P(GraphTest, TakesItsOwnFormatAgainAfterDirectProcessing) {
+  EffectGraph graph(effect, kMono);
+  graph.filter.Set(effect.audible);
   ASSERT_NO_FATAL_FAILURE(graph.Connect());
-  const auto direct = Query<IDirectBufferProcess>(graph.control.Get());
-  ASSERT_EQ(direct->BeginStream(1, 8000), S_OK);
-  ASSERT_EQ(direct->EndStream(), S_OK);
+  ASSERT_EQ(graph.filter.direct->BeginStream(2, 8000), S_OK);
+  ASSERT_EQ(graph.filter.direct->EndStream(), S_OK);
   ASSERT_HRESULT_SUCCEEDED(graph.media->Run());
-  ASSERT_EQ(graph.source->pin.Send({.bytes = Repeat(INT16{32767}, 8000)}), S_OK);
-  EXPECT_NEAR(SampleAt<INT16>(graph.sink->pin.samples.back(), 7999), 32768 * kLimit, 33);
-  WAVEFORMATEX stored{};
-  EXPECT_EQ(graph.control->GetFormat(&stored), S_OK);
-  EXPECT_EQ(stored.nSamplesPerSec, format.rate_hz);
+  ASSERT_EQ(graph.source->pin.Send({.bytes = Repeat(effect.level, 8000)}), S_OK);
+  EXPECT_NEAR(SampleAt<double>(graph.sink->pin.samples.back(), 7999), effect.audible_level, 1e-3);
+  EXPECT_EQ(graph.StoredFormat().nSamplesPerSec, kMono.rate_hz);
 }
 
-// A flush, a segment or a discontinuity alone resets nothing; settings pushed at a discontinuity start anew.
-TEST_F(GraphTest, FlushSegmentsAndDiscontinuitiesPassWithoutResettingTheGain) {
-  CompressorGraph graph(kMono);
+// A flush, a segment or a discontinuity alone resets nothing. Settings pushed at a discontinuity start the dynamics
+// anew.
+TEST_P(AutomatedGraphTest, FlushSegmentsAndDiscontinuitiesPassWithoutAReset) {
+  EffectGraph graph(effect, kMono);
   SinkPin& sink = graph.sink->pin;
-  graph.ApplyPreset(kHardLimiter);
+  graph.filter.Set(effect.audible);
   ASSERT_NO_FATAL_FAILURE(graph.Start());
-  graph.source->pin.Send({.bytes = Repeat(1.0, 4000)});
-  const SourceSample discontinuous{.bytes = Repeat(1.0, 100), .is_discontinuity = true};
+  graph.source->pin.Send({.bytes = Repeat(effect.level, 8000)});
+  const SourceSample discontinuous{.bytes = Repeat(effect.level, 100), .is_discontinuity = true};
   EXPECT_EQ(graph.input->BeginFlush(), S_OK);
   EXPECT_EQ(graph.source->pin.Send(discontinuous), S_FALSE);
   EXPECT_EQ(graph.input->EndFlush(), S_OK);
   EXPECT_EQ(graph.input->NewSegment(0, 100, 1.0), S_OK);
   EXPECT_EQ(graph.source->pin.Send(discontinuous), S_OK);
   EXPECT_EQ(sink.log, "sample flush( )flush segment sample ");
-  EXPECT_NEAR(SampleAt<double>(sink.samples.back(), 0), kLimit, 1e-2);
-  graph.control->BeginAmountEdit();
-  graph.control->EndAmountEdit();  // marks the settings as changed
+  EXPECT_NEAR(SampleAt<double>(sink.samples.back(), 0), effect.audible_level, 1e-2);
+  graph.filter.Slot(effect.params[0].slot + 2);
+  graph.filter.Slot(effect.params[0].slot + 3);  // marks the settings as changed
   graph.source->pin.Send(discontinuous);
-  EXPECT_GT(SampleAt<double>(sink.samples.back(), 0), 0.9);
+  const double expected = GetParam() == kEq ? effect.audible_level : effect.level;
+  EXPECT_NEAR(SampleAt<double>(sink.samples.back(), 0), expected, 0.05);
 }
 
 // Frame-exact times at 50 kHz: a frame lasts 200 units of 100 ns.
-TEST_F(GraphTest, AutomationInAGraphEqualsDirectProcessing) {
-  MP_ENVELOPE_SEGMENT segments[] = {{0, 500000, 0, -40, MP_CURVE_LINEAR, 0},
-                                    {500000, 900000, -40, -10, MP_CURVE_SQUARE, 0},
-                                    {1000000, 1400000, -10, -50, MP_CURVE_INVSQUARE, 0},
-                                    {1400000, 1700040, -5, -5, MP_CURVE_JUMP, 0}};
+TEST_P(AutomatedGraphTest, AutomationInAGraphEqualsDirectProcessing) {
+  // The compressor's threshold, the EQ's gain, the gate's threshold.
+  const DWORD row = GetParam() == kCompressor ? 2 : GetParam() == kEq ? 1 : 0;
+  const float low = effect.params[row].min, high = effect.params[row].max, mid = 0.5f * (low + high);
+  MP_ENVELOPE_SEGMENT segments[] = {{0, 500000, high, mid, MP_CURVE_LINEAR, 0},
+                                    {500000, 900000, mid, high, MP_CURVE_SQUARE, 0},
+                                    {1000000, 1400000, high, low, MP_CURVE_INVSQUARE, 0},
+                                    {1400000, 1700040, mid, mid, MP_CURVE_JUMP, 0}};
   std::vector<float> frames(10000 * 2);
   std::mt19937 random(1);
   for (float& sample : frames) sample = std::ldexp(static_cast<float>(random() % 65536), -16) - 0.5f;
   const Bytes input = BytesOf(frames);
 
-  const Compressor direct;
-  ASSERT_EQ(direct.presets->ApplyPreset(6), S_OK);
-  ASSERT_EQ(direct.values->AddEnvelope(2, std::size(segments), segments), S_OK);
-  ASSERT_EQ(direct.direct->BeginStream(2, 50000), S_OK);
+  const Filter filter(effect);
+  filter.Set(effect.audible);
+  ASSERT_EQ(filter.values->AddEnvelope(row, std::size(segments), segments), S_OK);
+  ASSERT_EQ(filter.direct->BeginStream(2, 50000), S_OK);
   for (DWORD done = 0; done < 10000; done += 625) {
-    ASSERT_EQ(direct.direct->ProcessBuffer(frames.data() + 2 * done, 625, 0), S_OK);
+    ASSERT_EQ(filter.direct->ProcessBuffer(frames.data() + 2 * done, 625, 0), S_OK);
   }
 
-  CompressorGraph graph({kFloat, 2, 50000, 32});
-  graph.ApplyPreset(6);
-  ASSERT_EQ(Query<tervan::IMediaParams>(graph.control.Get())->AddEnvelope(2, std::size(segments), segments), S_OK);
+  EffectGraph graph(effect, {kFloat, 2, 50000, 32});
+  graph.filter.Set(effect.audible);
+  ASSERT_EQ(graph.filter.values->AddEnvelope(row, std::size(segments), segments), S_OK);
   ASSERT_NO_FATAL_FAILURE(graph.Start());
   for (int n = 0; n < 16; ++n) {
     const auto begin = input.begin() + n * 5000;
@@ -157,23 +165,27 @@ TEST_F(GraphTest, AutomationInAGraphEqualsDirectProcessing) {
   EXPECT_FALSE(graph.sink->pin.All() == input);
 }
 
-TEST_F(GraphTest, SamplesWithoutTimesKeepTheBlockOfTheOneBefore) {
-  CompressorGraph graph(kMono);
-  MP_ENVELOPE_SEGMENT segment{0, 10000000, 0, -50, MP_CURVE_LINEAR, 0};
-  ASSERT_EQ(Query<tervan::IMediaParams>(graph.control.Get())->AddEnvelope(2, 1, &segment), S_OK);
+// The first parameter's envelope rises evenly over a second.
+TEST_P(AutomatedGraphTest, SamplesWithoutTimesKeepTheBlockOfTheOneBefore) {
+  EffectGraph graph(effect, kMono);
+  const ParamRow& param = effect.params[0];
+  MP_ENVELOPE_SEGMENT segment{0, 10000000, param.min, param.max, MP_CURVE_LINEAR, 0};
+  ASSERT_EQ(graph.filter.values->AddEnvelope(0, 1, &segment), S_OK);
   ASSERT_NO_FATAL_FAILURE(graph.Start());
-  const auto threshold_after = [&](std::optional<REFERENCE_TIME> start, std::optional<REFERENCE_TIME> stop) {
+  const auto risen_after = [&](std::optional<REFERENCE_TIME> start, std::optional<REFERENCE_TIME> stop) {
     EXPECT_EQ(graph.source->pin.Send({.bytes = Repeat(0.0, 100), .start = start, .stop = stop}), S_OK);
-    return SettingsOf(*graph.control).threshold_db;
+    MP_DATA value = 0;
+    EXPECT_EQ(graph.filter.values->GetParam(0, &value), S_OK);
+    return (value - param.min) / (param.max - param.min);
   };
-  EXPECT_FLOAT_EQ(threshold_after(2000000, 2020000), -10);
-  EXPECT_FLOAT_EQ(threshold_after({}, {}), -10);
-  EXPECT_FLOAT_EQ(threshold_after(4000000, {}), -20) << "a start alone counts";
-  EXPECT_FLOAT_EQ(threshold_after(1000000, 1020000), -5) << "time runs back";
+  EXPECT_FLOAT_EQ(risen_after(2000000, 2020000), 0.2f);
+  EXPECT_FLOAT_EQ(risen_after({}, {}), 0.2f);
+  EXPECT_FLOAT_EQ(risen_after(4000000, {}), 0.4f) << "a start alone counts";
+  EXPECT_FLOAT_EQ(risen_after(1000000, 1020000), 0.1f) << "time runs back";
 }
 
-TEST_F(GraphTest, OneEmptySampleBeforeTheEndButNoneWithoutData) {
-  CompressorGraph graph(kMono);
+TEST_P(GraphTest, InTheCompressorAnEmptySampleComesBeforeTheEndButNotWithoutData) {
+  EffectGraph graph(effect, kMono);
   ASSERT_NO_FATAL_FAILURE(graph.Start());
   EXPECT_EQ(graph.input->EndOfStream(), S_OK);
   EXPECT_EQ(graph.sink->pin.log, "end ");
@@ -183,27 +195,27 @@ TEST_F(GraphTest, OneEmptySampleBeforeTheEndButNoneWithoutData) {
   graph.source->pin.Send({.bytes = Repeat(1.0, 10)});
   EXPECT_EQ(graph.input->EndOfStream(), S_OK);
   EXPECT_EQ(graph.input->EndOfStream(), S_OK) << "drained already";
-  EXPECT_EQ(graph.sink->pin.log, "sample empty end end ");
+  EXPECT_EQ(graph.sink->pin.log, GetParam() == kCompressor ? "sample empty end end " : "sample end end ");
 }
 
-TEST_F(GraphTest, TheEndIsDeliveredWhateverBecomesOfTheDrain) {
-  CompressorGraph graph(kMono);
+TEST_P(GraphTest, TheEndIsDeliveredWhateverBecomesOfTheDrain) {
+  EffectGraph graph(effect, kMono);
   ASSERT_NO_FATAL_FAILURE(graph.Start());
   graph.source->pin.Send({.bytes = Repeat(1.0, 10)});
   graph.sink->pin.answer = VFW_E_RUNTIME_ERROR;
   EXPECT_EQ(graph.source->pin.Send({.bytes = Repeat(1.0, 10)}), VFW_E_RUNTIME_ERROR);
-  EXPECT_EQ(graph.input->EndOfStream(), VFW_E_RUNTIME_ERROR);
+  EXPECT_EQ(graph.input->EndOfStream(), GetParam() == kCompressor ? VFW_E_RUNTIME_ERROR : S_OK);
   EXPECT_EQ(graph.sink->pin.log, "sample end ");
 }
 
 // Connected, streaming, flushed, stopped and torn down in any order: nothing stays behind.
-TEST_F(GraphTest, LeavesNothingBehindInWhateverOrderItIsUsed) {
+TEST_P(GraphTest, LeavesNothingBehindInWhateverOrderItIsUsed) {
   std::mt19937 random(7);
   const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-  for (int round = 0; round < 200; ++round) {
+  for (int round = 0; round < 50; ++round) {
     SCOPED_TRACE(round);
     {
-      CompressorGraph graph(kFormats[round % std::size(kFormats)]);
+      EffectGraph graph(effect, kMono);
       graph.source->pin.StreamSilence();
       graph.Connect();
       for (int step = pick(6); step > 0; --step) {
@@ -216,8 +228,8 @@ TEST_F(GraphTest, LeavesNothingBehindInWhateverOrderItIsUsed) {
         }
       }
       EXPECT_HRESULT_SUCCEEDED(graph.media->Stop());
-      if (pick(2)) graph.builder->RemoveFilter(graph.compressor.Get());
-      if (pick(2)) graph.compressor.Reset();
+      if (pick(2)) graph.builder->RemoveFilter(graph.base.Get());
+      if (pick(2)) graph.base.Reset(), graph.filter.Release();
       if (pick(2)) graph.input.Reset();
       if (pick(2)) graph.media.Reset(), graph.builder.Reset();
     }

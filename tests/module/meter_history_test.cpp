@@ -1,4 +1,5 @@
 // Meters against the graph's reference clock.
+#include "effects/compressor/compressor_meters.h"
 #include "module/graph_fakes.h"
 
 namespace tervan::test {
@@ -16,9 +17,9 @@ class Clock final : public CountedFake<IReferenceClock> {
 
 using MeterHistoryTest = ModuleTest;
 
-double InputLevel(ICompressorSettings& control) {
+double InputLevel(const Filter& compressor) {
   CompressorMeters meters{};
-  EXPECT_EQ(control.GetMeters(&meters), S_OK);
+  EXPECT_EQ(compressor.Slot(54, &meters), S_OK);
   return meters.input_left;
 }
 
@@ -26,7 +27,7 @@ double InputLevel(ICompressorSettings& control) {
 TEST_F(MeterHistoryTest, TheRecordOfTheClocksTimeIsReadAndWithoutAClockTheLatest) {
   constexpr REFERENCE_TIME kSample = 100000;  // 10 ms, as long as each sample lasts
   Clock clock;
-  CompressorGraph graph({WAVE_FORMAT_PCM, 1, 44100, 16});
+  EffectGraph graph(Effects()[kCompressor], {WAVE_FORMAT_PCM, 1, 44100, 16});
   ASSERT_NO_FATAL_FAILURE(graph.Connect());
   ASSERT_EQ(Query<IMediaFilter>(graph.builder.Get())->SetSyncSource(&clock), S_OK);
   ASSERT_HRESULT_SUCCEEDED(graph.media->Pause());
@@ -43,13 +44,13 @@ TEST_F(MeterHistoryTest, TheRecordOfTheClocksTimeIsReadAndWithoutAClockTheLatest
               {10 * kSample, 0.5}};
   for (const auto& row : rows) {
     clock.now = row.now;
-    EXPECT_DOUBLE_EQ(InputLevel(*graph.control), row.level) << row.now;
+    EXPECT_DOUBLE_EQ(InputLevel(graph.filter), row.level) << row.now;
   }
   clock.now = kSample;
-  ASSERT_EQ(graph.compressor->SetSyncSource(nullptr), S_OK);
-  EXPECT_DOUBLE_EQ(InputLevel(*graph.control), 0.5);
+  ASSERT_EQ(graph.base->SetSyncSource(nullptr), S_OK);
+  EXPECT_DOUBLE_EQ(InputLevel(graph.filter), 0.5);
   graph.media->Stop();
-  EXPECT_EQ(InputLevel(*graph.control), 0.0) << "stopping resets the meters";
+  EXPECT_EQ(InputLevel(graph.filter), 0.0) << "stopping resets the meters";
 }
 
 }  // namespace

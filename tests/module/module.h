@@ -3,42 +3,22 @@
 #include <windows.h>
 
 #include <dshow.h>
+#include <mmreg.h>
 
 #include <cstring>
-#include <ostream>
 #include <utility>
 #include <vector>
 
 #include "directshow/com_ptr.h"
-#include "effects/compressor/compressor_interface.h"
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 #include "shell/media_params.h"
 #include "shell/plugin_interfaces.h"
 
-namespace tervan {
-
-// Bit for bit, so that NaNs compare too.
-inline bool operator==(const CompressorSettings& a, const CompressorSettings& b) {
-  return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-inline void PrintTo(const CompressorSettings& s, std::ostream* out) {
-  *out << s.input_gain_db << ' ' << s.output_gain_db << ' ' << s.threshold_db << ' ' << s.amount << ' '
-       << s.attack_time_ms << ' ' << s.release_time_ms << ' ' << s.auto_gain_compensation << ' ' << s.smooth_saturation
-       << ' ' << s.reserved << ' ' << s.bypass;
-}
-
-namespace test {
+namespace tervan::test {
 
 using directshow::ComPtr;
 using directshow::Query;
-
-inline constexpr CLSID kCompressorClsid = {
-    0x23c9f225, 0x40ec, 0x11d2, {0x9d, 0x36, 0x00, 0xc0, 0x4f, 0x8e, 0xdc, 0x1e}};
-inline constexpr CLSID kCompressorPageClsid = {
-    0x23c9f227, 0x40ec, 0x11d2, {0x9d, 0x36, 0x00, 0xc0, 0x4f, 0x8e, 0xdc, 0x1e}};
-inline constexpr wchar_t kCompressorName[] = L"Tervan Track Compressor";
 
 HMODULE TheModule();
 
@@ -55,13 +35,6 @@ HRESULT CanUnloadNow();
 
 // A new object of the class, made by the module's own factory.
 HRESULT Create(REFCLSID clsid, IUnknown* outer, REFIID iid, void** out);
-
-template <class Interface>
-ComPtr<Interface> NewCompressor() {
-  ComPtr<Interface> object;
-  EXPECT_EQ(Create(kCompressorClsid, nullptr, __uuidof(Interface), object.PutVoid()), S_OK);
-  return object;
-}
 
 // A method by its place in the interface's table, as hosts that know nothing of our declarations reach it.
 template <class... Arguments>
@@ -99,17 +72,7 @@ class CountedFake : public Interface {
   const IID own_;
 };
 
-// A new compressor by each of its interfaces.
-struct Compressor {
-  ComPtr<ICompressorSettings> control = NewCompressor<ICompressorSettings>();
-  ComPtr<tervan::IMediaParams> values = Query<tervan::IMediaParams>(control.Get());
-  ComPtr<IDirectBufferProcess> direct = Query<IDirectBufferProcess>(control.Get());
-  ComPtr<IPluginPresets> presets = Query<IPluginPresets>(control.Get());
-  ComPtr<IPersistStream> persist = Query<IPersistStream>(control.Get());
-};
-
-inline constexpr LONG kHardLimiter = 8;  // the preset with a threshold of -6 dB and no make-up gain
-inline constexpr double kLimit = 0.5011872336;
+using Commands = std::vector<std::pair<int, int>>;  // (command id, code) of each, oldest first
 
 // A hidden window, with what is posted to it.
 class Window {
@@ -124,9 +87,8 @@ class Window {
     if (handle_) DestroyWindow(std::exchange(handle_, nullptr));
   }
   operator HWND() const { return handle_; }
-  // (command id, code) of each command, oldest first.
-  std::vector<std::pair<int, int>> Take() {
-    std::vector<std::pair<int, int>> commands;
+  Commands Take() {
+    Commands commands;
     MSG message;
     while (PeekMessageW(&message, handle_, WM_COMMAND, WM_COMMAND, PM_REMOVE)) {
       EXPECT_EQ(message.lParam, 0);
@@ -139,11 +101,4 @@ class Window {
   HWND handle_;
 };
 
-inline CompressorSettings SettingsOf(ICompressorSettings& control) {
-  CompressorSettings settings{};
-  EXPECT_EQ(control.GetSettings(&settings), S_OK);
-  return settings;
-}
-
-}  // namespace test
-}  // namespace tervan
+}  // namespace tervan::test

@@ -1,50 +1,79 @@
 // Parameter descriptions, values and envelopes, as a host reaches them.
+#include <cmath>
 #include <limits>
-#include <sstream>
-#include <string>
-#include <vector>
 
-#include "module/module.h"
+#include "module/effects.h"
 
 namespace tervan::test {
 namespace {
 
 constexpr GUID kReferenceTime = {0x93ad712b, 0xdaa0, 0x4ffe, {0xbc, 0x81, 0xb0, 0xce, 0x50, 0x0f, 0xcd, 0xd9}};
-constexpr DWORD kAll = 0xFFFFFFFF;
 constexpr DWORD kThreshold = 2;
 
 using ParamsTest = ModuleTest;
+using ParamTableTest = EffectTest;
+TERVAN_FOR_AUTOMATED_EFFECTS(ParamTableTest);
 
-TEST_F(ParamsTest, RowsAreDescribedInBytesAndText) {
-  const auto params = NewCompressor<IMediaParamInfo>();
+TEST_P(ParamTableTest, RowsAreDescribedInBytesAndText) {
+  const auto params = Query<IMediaParamInfo>(Filter(effect).control.Get());
   DWORD count = 0;
   ASSERT_EQ(params->GetParamCount(&count), S_OK);
-  EXPECT_EQ(count, 9u);
+  ASSERT_EQ(count, effect.params.size());
   MP_PARAMINFO info;
-  std::memset(&info, 0x5A, sizeof info);
-  ASSERT_EQ(params->GetParamInfo(5, &info), S_OK);
-  EXPECT_EQ(info.mpType, MPT_FLOAT);
-  EXPECT_EQ(info.mopCaps, 15u);
-  EXPECT_EQ(info.mpdMinValue, 0);
-  EXPECT_EQ(info.mpdMaxValue, 5000);
-  EXPECT_EQ(info.mpdNeutralValue, 250);
-  EXPECT_EQ(std::wstring(info.szLabel), L"Release Time");
-  EXPECT_EQ(std::wstring(info.szUnitText), L"ms");
   WCHAR* text = nullptr;
-  ASSERT_EQ(params->GetParamText(5, &text), S_OK);
-  const std::wstring expected(L"Release Time\0ms\0\0\0", 18);
-  EXPECT_EQ(std::wstring(text, expected.size()), expected);
-  CoTaskMemFree(text);
-
+  for (DWORD row = 0; row < count; ++row) {
+    SCOPED_TRACE(row);
+    const ParamRow& param = effect.params[row];
+    std::memset(&info, 0x5A, sizeof info);
+    ASSERT_EQ(params->GetParamInfo(row, &info), S_OK);
+    EXPECT_EQ(info.mpType, param.type);
+    EXPECT_EQ(info.mopCaps, param.type == MPT_FLOAT ? 15u : 1u);
+    EXPECT_EQ(info.mpdMinValue, param.min);
+    EXPECT_EQ(info.mpdMaxValue, param.max);
+    EXPECT_EQ(info.mpdNeutralValue, param.neutral);
+    EXPECT_EQ(std::wstring(info.szLabel), param.label);
+    EXPECT_EQ(std::wstring(info.szUnitText), param.unit);
+    std::wstring expected = param.label + L"," + param.unit + L"," + param.items + L",,";
+    std::replace(expected.begin(), expected.end(), L',', L'\0');
+    ASSERT_EQ(params->GetParamText(row, &text), S_OK);
+    EXPECT_EQ(std::wstring(text, expected.size()), expected);
+    CoTaskMemFree(text);
+  }
   EXPECT_EQ(params->GetParamCount(nullptr), E_POINTER);
-  EXPECT_EQ(params->GetParamInfo(9, nullptr), E_POINTER);
-  EXPECT_EQ(params->GetParamInfo(9, &info), E_INVALIDARG);
-  EXPECT_EQ(params->GetParamText(9, nullptr), E_POINTER);
-  EXPECT_EQ(params->GetParamText(9, &text), E_INVALIDARG);
+  EXPECT_EQ(params->GetParamInfo(count, nullptr), E_POINTER);
+  EXPECT_EQ(params->GetParamInfo(count, &info), E_INVALIDARG);
+  EXPECT_EQ(params->GetParamText(count, nullptr), E_POINTER);
+  EXPECT_EQ(params->GetParamText(count, &text), E_INVALIDARG);
+}
+
+// Each row by itself: its own slot says so and no other, and its own value is in the record.
+TEST_P(ParamTableTest, AnEnvelopeGovernsItsOwnRowAlone) {
+  for (DWORD row = 0; row < effect.params.size(); ++row) {
+    SCOPED_TRACE(row);
+    const ParamRow& param = effect.params[row];
+    const Filter filter(effect);
+    const float value = effect.presets[0].settings[param.word] == param.max * param.scale ? param.min : param.max;
+    MP_ENVELOPE_SEGMENT segment{0, 1000000, value, value, MP_CURVE_JUMP, 0};
+    float silence[480] = {};
+    ASSERT_EQ(filter.values->AddEnvelope(row, 1, &segment), S_OK);
+    ASSERT_EQ(filter.direct->BeginStream(1, 48000), S_OK);
+    ASSERT_EQ(filter.direct->ProcessBuffer(silence, 480, 0), S_OK);
+    Settings expected = effect.presets[0].settings;
+    expected[param.word] = std::round(value * param.scale);
+    EXPECT_EQ(filter.Get(), expected);
+    for (const ParamRow& other : effect.params) {
+      EXPECT_EQ(filter.Slot(other.slot + 4), &other == &param ? S_OK : S_FALSE) << other.slot;
+    }
+    EXPECT_EQ(filter.values->SetParam(row, param.neutral), S_FALSE);
+    EXPECT_EQ(filter.values->FlushEnvelope(row, 0, 1000000), S_OK);
+    ASSERT_EQ(filter.direct->ProcessBuffer(silence, 480, 0), S_OK);
+    EXPECT_EQ(filter.Slot(param.slot + 4), S_FALSE);
+    EXPECT_HRESULT_SUCCEEDED(filter.values->SetParam(row, param.neutral));
+  }
 }
 
 TEST_F(ParamsTest, OneTimeFormatIsKnown) {
-  const auto params = NewCompressor<IMediaParamInfo>();
+  const auto params = Query<IMediaParamInfo>(Filter(kCompressor).control.Get());
   DWORD count = 0;
   GUID supported{}, current{};
   MP_TIMEDATA data = 99;
@@ -63,8 +92,8 @@ TEST_F(ParamsTest, OneTimeFormatIsKnown) {
 // By place: a declaration with the slots in another order would still find itself consistent.
 TEST_F(ParamsTest, ValuesAnswerAtTheirSlots) {
   constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-  const auto values = NewCompressor<tervan::IMediaParams>();
-  const auto slot = [&](int number, auto... arguments) { return CallSlot(values.Get(), number, arguments...); };
+  const Filter filter(kCompressor);
+  const auto slot = [&](int number, auto... arguments) { return CallSlot(filter.values.Get(), number, arguments...); };
   MP_DATA value = 77;
   EXPECT_EQ(slot(4, kThreshold, -12.0f), S_OK);
   EXPECT_EQ(slot(4, kThreshold, -12.0f), S_FALSE);
@@ -85,66 +114,18 @@ TEST_F(ParamsTest, ValuesAnswerAtTheirSlots) {
   EXPECT_EQ(slot(7, GUID{}, DWORD{7}), E_FAIL);
 }
 
-// 20 ms are played at a time; the envelope lasts from 20 to 100 ms.
-TEST_F(ParamsTest, AnEnvelopeGovernsItsRowUntilItIsOverOrFlushed) {
-  const Compressor compressor;
-  ASSERT_EQ(compressor.direct->BeginStream(1, 50000), S_OK);
-  const auto play_20ms = [&] {
-    std::vector<float> silence(1000);
-    EXPECT_EQ(compressor.direct->ProcessBuffer(silence.data(), 1000, 0), S_OK);
-    return SettingsOf(*compressor.control);
-  };
-  MP_ENVELOPE_SEGMENT segment{200000, 1000000, -8, -40, MP_CURVE_LINEAR, 0};
-  ASSERT_EQ(compressor.values->AddEnvelope(kAll, 1, &segment), S_OK);
-  ASSERT_EQ(compressor.values->FlushEnvelope(0, 0, 1000000), S_OK);
-  for (const float expected_db : {0, -8, -16}) {
-    const CompressorSettings settings = play_20ms();
-    EXPECT_FLOAT_EQ(settings.threshold_db, expected_db);
-    EXPECT_EQ(settings.input_gain_db, 0) << "flushed before it began";
-  }
-  EXPECT_EQ(compressor.control->IsThresholdAutomated(), S_OK);
-  EXPECT_EQ(compressor.control->IsInputGainAutomated(), S_FALSE);
-  EXPECT_EQ(compressor.values->SetParam(kThreshold, -5), S_FALSE);
-  play_20ms(), play_20ms(), play_20ms();
-  EXPECT_EQ(compressor.control->IsThresholdAutomated(), S_FALSE) << "the segment is over";
-  EXPECT_EQ(compressor.values->SetParam(kThreshold, -5), S_OK);
-}
-
-// Notes its calls: "B3" begin of row 3, "V3=1.5" a value, "E3" end. What it answers does not matter.
-class HostRecorder final : public CountedFake<IParamRecorder> {
- public:
-  HostRecorder() : CountedFake(IID_IUnknown) {}
-  STDMETHODIMP BeginEdit(DWORD* indices, DWORD count) override { return Note('B', indices[count - 1]); }
-  STDMETHODIMP EditValue(DWORD* indices, DWORD count, float* values) override {
-    Note('V', indices[count - 1]);
-    calls_ << "=" << values[count - 1];
-    return E_FAIL;
-  }
-  STDMETHODIMP EndEdit(DWORD* indices, DWORD count) override { return Note('E', indices[count - 1]); }
-  std::string Take() { return std::exchange(calls_, {}).str(); }
-
- private:
-  HRESULT Note(char what, DWORD index) {
-    calls_ << ' ' << what << index;
-    return E_FAIL;
-  }
-  std::ostringstream calls_;
-};
-
-TEST_F(ParamsTest, TheHostsRecorderHearsOfEditsUntilItIsReplaced) {
+TEST_F(ParamsTest, TheHostsRecorderIsKeptUntilItIsReplaced) {
   HostRecorder recorder, next;
   {
-    const Compressor compressor;
-    const auto site = Query<IParamRecorderSite>(compressor.control.Get());
+    const Filter filter(kCompressor);
+    const auto site = Query<IParamRecorderSite>(filter.control.Get());
     ASSERT_EQ(site->SetRecorder(&recorder), S_OK);
     EXPECT_EQ(recorder.references, 1);
-    EXPECT_EQ(compressor.values->SetParam(3, 7), S_OK);  // the host's own change
-    compressor.control->SetAmount(4);
-    EXPECT_EQ(recorder.Take(), " B3 V3=4 E3");
+    EXPECT_EQ(filter.values->SetParam(3, 7), S_OK);
     ASSERT_EQ(site->SetRecorder(nullptr), S_OK);
     EXPECT_EQ(recorder.references, 0);
-    compressor.control->SetAmount(9);
-    EXPECT_EQ(recorder.Take(), "");
+    filter.SetAt(filter.effect.params[3], 9);
+    EXPECT_EQ(recorder.Take(), "") << "of the host's own change, and of the page's afterwards";
     ASSERT_EQ(site->SetRecorder(&next), S_OK);
   }
   EXPECT_EQ(next.references, 0) << "the filter lets go of it at its end";

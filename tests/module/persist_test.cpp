@@ -1,24 +1,20 @@
 // Stored settings: the bytes that hosts keep in their projects, and streams that fail.
-#include <cstdint>
-#include <vector>
+#include <functional>
 
-#include "module/module.h"
+#include "module/effects.h"
 
 namespace tervan::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+using PersistTest = EffectTest;
+TERVAN_FOR_ALL_EFFECTS(PersistTest);
 
-constexpr GUID kTag = {0xc400f99b, 0x0c6e, 0x444c, {0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e}};
-constexpr GUID kOlderTag = {0x23c9f22b, 0x40ec, 0x11d2, {0x9d, 0x36, 0x00, 0xc0, 0x4f, 0x8e, 0xdc, 0x1e}};
-constexpr CompressorSettings kStored{1, -2, -30, 4.5f, 60, 700, 0, 1, 0, 1};
-
-Bytes Record(const GUID& tag, std::uint32_t body_bytes) {
-  const std::uint32_t record_bytes = 20 + body_bytes;
-  Bytes record(record_bytes);
-  std::memcpy(record.data(), &record_bytes, 4);
-  std::memcpy(record.data() + 4, &tag, 16);
-  std::memcpy(record.data() + 20, &kStored, body_bytes);
+Bytes StoredBytes(const EffectRow& effect, const FormRow& form, const Settings& settings) {
+  Bytes record(20);
+  std::memcpy(record.data(), &form.size_field, 4);
+  std::memcpy(record.data() + 4, &form.tag, 16);
+  const Bytes body = RecordBytes(effect, settings);
+  record.insert(record.end(), body.begin(), body.end());
   return record;
 }
 
@@ -34,7 +30,7 @@ class FakeStream final : public CountedFake<IStream> {
   }
   STDMETHODIMP Write(const void* in, ULONG count, ULONG*) override {
     if (calls++ == failing_call) return STG_E_ACCESSDENIED;
-    const auto* const from = static_cast<const std::uint8_t*>(in);
+    const auto* const from = static_cast<const BYTE*>(in);
     bytes.insert(bytes.end(), from, from + count);
     return S_OK;
   }
@@ -54,71 +50,85 @@ class FakeStream final : public CountedFake<IStream> {
   int failing_call = -1;
 };
 
-using PersistTest = ModuleTest;
-
-TEST_F(PersistTest, AFreshFilterSavesTheseBytes) {
-  const auto persist = NewCompressor<IPersistStream>();
+TEST_P(PersistTest, AFreshFilterSavesTheCurrentFormOfPreset0) {
+  const Filter filter(effect);
+  const Bytes expected = StoredBytes(effect, effect.forms[0], effect.presets[0].settings);
   FakeStream stream;
-  ASSERT_EQ(persist->Save(&stream, TRUE), S_OK);
-  EXPECT_EQ(stream.bytes, (Bytes{60,   0,    0,    0,                                               // size
-                                 0x9b, 0xf9, 0x00, 0xc4, 0x6e, 0x0c, 0x4c, 0x44,                    // tag
-                                 0x8f, 0x20, 0x98, 0xdb, 0x21, 0x6b, 0xe5, 0x6e,                    //
-                                 0,    0,    0,    0,    0,    0,    0,    0,    0, 0, 0,    0,     // 0 0 0
-                                 0,    0,    0x80, 0x3f, 0,    0,    0x70, 0x41, 0, 0, 0x7a, 0x43,  // 1 15 250
-                                 1,    0,    0,    0,    0,    0,    0,    0,    0, 0, 0,    0,    0, 0, 0, 0}));
+  ASSERT_EQ(filter.persist->Save(&stream, FALSE), S_OK);
+  EXPECT_EQ(filter.persist->IsDirty(), S_OK);
+  EXPECT_EQ(stream.bytes, expected);
+  stream.failing_call = 3;
+  EXPECT_EQ(filter.persist->Save(&stream, TRUE), STG_E_ACCESSDENIED);
+  EXPECT_EQ(filter.persist->IsDirty(), S_OK);
   ULARGE_INTEGER size;
   size.QuadPart = ~0ull;
-  EXPECT_EQ(persist->GetSizeMax(&size), S_OK);
-  EXPECT_EQ(size.QuadPart, 60u);
-  EXPECT_EQ(persist->GetSizeMax(nullptr), E_POINTER);
-  EXPECT_EQ(persist->Save(nullptr, TRUE), E_POINTER);
-  EXPECT_EQ(persist->Load(nullptr), E_POINTER);
+  EXPECT_EQ(filter.persist->GetSizeMax(&size), S_OK);
+  EXPECT_EQ(size.QuadPart, expected.size());
+  EXPECT_EQ(filter.persist->GetSizeMax(nullptr), E_POINTER);
+  EXPECT_EQ(filter.persist->Save(nullptr, TRUE), E_POINTER);
+  EXPECT_EQ(filter.persist->Load(nullptr), E_POINTER);
 }
 
-TEST_F(PersistTest, SavingClearsTheModifiedFlagWhenItSucceedsAndIsToldTo) {
-  const Compressor compressor;
+TEST_P(PersistTest, EveryChangeOfSettingsMakesTheFilterModified) {
+  const Filter filter(effect);
+  const ParamRow& first = effect.params[0];
+  FakeStream stored;
+  stored.bytes = StoredBytes(effect, effect.forms[0], effect.loaded);
   const struct {
-    BOOL clear;
-    int failing_call;
-    HRESULT result, dirty;
-  } rows[] = {{FALSE, -1, S_OK, S_OK}, {TRUE, 1, STG_E_ACCESSDENIED, S_OK}, {TRUE, -1, S_OK, S_FALSE}};
+    const char* what;
+    std::function<void()> act;
+    HRESULT dirty;
+  } rows[] = {
+      {"a value", [&] { filter.SetAt(first, first.max * first.scale); }, S_OK},
+      {"the same value", [&] { filter.SetAt(first, first.max * first.scale); }, S_FALSE},
+      {"a record, even the same", [&] { filter.Set(filter.Get()); }, S_OK},
+      {"the host's value", [&] { return filter.values && filter.values->SetParam(0, first.min); },
+       effect.has_automation ? S_OK : S_FALSE},
+      {"the host's same value", [&] { return filter.values && filter.values->SetParam(0, first.min); }, S_FALSE},
+      {"a preset", [&] { filter.presets->ApplyPreset(2); }, S_OK},
+      {"a load", [&] { filter.persist->Load(&stored); }, S_OK},
+  };
   for (const auto& row : rows) {
-    SCOPED_TRACE(&row - rows);
     FakeStream stream;
-    stream.failing_call = row.failing_call;
-    EXPECT_EQ(compressor.persist->Save(&stream, row.clear), row.result);
-    EXPECT_EQ(compressor.persist->IsDirty(), row.dirty);
+    ASSERT_EQ(filter.persist->Save(&stream, TRUE), S_OK);
+    row.act();
+    EXPECT_EQ(filter.persist->IsDirty(), row.dirty) << row.what;
   }
 }
 
-TEST_F(PersistTest, LoadingTakesARecordTellsTheWindowsOrLeavesTheSettings) {
-  const CompressorSettings before{9, 9, -9, 9, 9, 9, 1, 1, 0, 1};
-  const struct {
-    const char* what;
-    Bytes record;
-    int failing_call;
-    HRESULT result;
-    CompressorSettings loaded;
-    bool told;
-  } rows[] = {
-      {"current", Record(kTag, 40), -1, S_OK, kStored, true},
-      {"24 bytes", Record(kOlderTag, 24), -1, S_OK, {1, -2, -30, 4.5f, 60, 700, 1, 0, 0, 0}, true},
-      {"another tag", Record(GUID_NULL, 40), -1, E_FAIL, before, false},
-      {"no header", Record(kTag, 40), 0, STG_E_ACCESSDENIED, before, false},
-      {"no body", Record(kTag, 40), 1, STG_E_ACCESSDENIED, before, true},
-  };
+// Loads a record into a filter that has 9 or its highest value in each word. No settings: it keeps them. told: its
+// windows hear of it.
+void ExpectLoad(const EffectRow& effect, FakeStream& stream, HRESULT result, Settings settings, bool told) {
   Window window;
-  const Compressor compressor;
-  ASSERT_EQ(compressor.control->SetNotifyWindow(window, 1), S_OK);
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.what);
-    ASSERT_EQ(compressor.control->SetSettings(&before), S_OK);
+  const Filter filter(effect);
+  ASSERT_EQ(filter.Register(window, 1), S_OK);
+  filter.Set(Settings(effect.loaded.size(), 9));
+  if (settings.empty()) settings = filter.Get();
+  EXPECT_EQ(filter.persist->Load(&stream), result);
+  EXPECT_EQ(filter.Get(), settings);
+  EXPECT_EQ(window.Take(), Commands(told ? 1 : 0, {1, effect.replaced_code}));
+}
+
+TEST_P(PersistTest, LoadingTakesEachFormAndRefusesOthers) {
+  for (const FormRow& form : effect.forms) {
+    SCOPED_TRACE(&form - effect.forms.data());
+    const bool is_taken = form.words != 0;
+    Settings expected(effect.loaded.begin(), effect.loaded.begin() + form.words);
+    expected.insert(expected.end(), form.rest.begin(), form.rest.end());
     FakeStream stream;
-    stream.bytes = row.record;
-    stream.failing_call = row.failing_call;
-    EXPECT_EQ(compressor.persist->Load(&stream), row.result);
-    EXPECT_EQ(SettingsOf(*compressor.control), row.loaded);
-    EXPECT_EQ(window.Take(), (std::vector<std::pair<int, int>>(row.told ? 1 : 0, {1, 32701})));
+    stream.bytes = StoredBytes(effect, form, effect.loaded);
+    ExpectLoad(effect, stream, is_taken ? S_OK : E_FAIL, expected, is_taken || effect.told_of_failed_loads);
+    EXPECT_EQ(stream.position, 20 + 4 * form.words);
+  }
+}
+
+TEST_P(PersistTest, AFailingStreamLeavesTheSettings) {
+  for (const int failing_call : {0, 1}) {  // the header, the body
+    SCOPED_TRACE(failing_call);
+    FakeStream stream;
+    stream.bytes = StoredBytes(effect, effect.forms[0], effect.loaded);
+    stream.failing_call = failing_call;
+    ExpectLoad(effect, stream, STG_E_ACCESSDENIED, {}, failing_call == 1 || effect.told_of_failed_loads);
   }
 }
 

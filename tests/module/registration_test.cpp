@@ -1,16 +1,19 @@
 // Self-registration in the real registry and the real filter mapper.
-#include <string>
-#include <vector>
-
-#include "module/module.h"
+#include "module/effects.h"
 
 namespace tervan::test {
 namespace {
 
-constexpr wchar_t kClassKey[] = L"CLSID\\{23C9F225-40EC-11D2-9D36-00C04F8EDC1E}";
-
 HRESULT Register() { return Export<HRESULT STDMETHODCALLTYPE()>("DllRegisterServer")(); }
 HRESULT Unregister() { return Export<HRESULT STDMETHODCALLTYPE()>("DllUnregisterServer")(); }
+
+std::wstring TextOf(const CLSID& clsid) {
+  wchar_t text[40];
+  StringFromGUID2(clsid, text, 40);
+  return text;
+}
+
+std::wstring KeyOf(const EffectRow& effect) { return L"CLSID\\" + TextOf(effect.clsid); }
 
 std::wstring Text(const std::wstring& path, const wchar_t* value) {
   wchar_t text[MAX_PATH] = L"(none)";
@@ -19,16 +22,22 @@ std::wstring Text(const std::wstring& path, const wchar_t* value) {
   return text;
 }
 
-// The names under which the filter mapper offers the class to those who look for a merit and a media type.
-std::vector<std::wstring> MatchingNames(DWORD merit = MERIT_DO_NOT_USE, const GUID& major_type = MEDIATYPE_Audio) {
+struct Search {
+  DWORD merit = MERIT_DO_NOT_USE;
+  GUID major_type = MEDIATYPE_Audio;
+  BOOL is_rendered = FALSE;
+};
+
+// The names under which the filter mapper offers our classes to those who search so for a filter with input and output.
+std::vector<std::wstring> MatchingNames(const Search& search = {}) {
   std::vector<std::wstring> names;
   ComPtr<IFilterMapper2> mapper;
   EXPECT_EQ(CoCreateInstance(CLSID_FilterMapper2, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterMapper2, mapper.PutVoid()),
             S_OK);
-  const GUID type[] = {major_type, MEDIASUBTYPE_PCM};
+  const GUID type[] = {search.major_type, MEDIASUBTYPE_PCM};
   ComPtr<IEnumMoniker> monikers;
-  EXPECT_HRESULT_SUCCEEDED(mapper->EnumMatchingFilters(monikers.Put(), 0, FALSE, merit, TRUE, 1, type, nullptr, nullptr,
-                                                       FALSE, TRUE, 0, nullptr, nullptr, nullptr));
+  EXPECT_HRESULT_SUCCEEDED(mapper->EnumMatchingFilters(monikers.Put(), 0, FALSE, search.merit, TRUE, 1, type, nullptr,
+                                                       nullptr, search.is_rendered, TRUE, 1, type, nullptr, nullptr));
   ComPtr<IMoniker> moniker;
   while (monikers && monikers->Next(1, moniker.Put(), nullptr) == S_OK) {
     ComPtr<IPropertyBag> bag;
@@ -36,9 +45,10 @@ std::vector<std::wstring> MatchingNames(DWORD merit = MERIT_DO_NOT_USE, const GU
     VARIANT clsid, name;
     VariantInit(&clsid);
     VariantInit(&name);
-    if (SUCCEEDED(bag->Read(L"CLSID", &clsid, nullptr)) && lstrcmpiW(clsid.bstrVal, kClassKey + 6) == 0 &&
-        SUCCEEDED(bag->Read(L"FriendlyName", &name, nullptr))) {
-      names.emplace_back(name.bstrVal);
+    EXPECT_HRESULT_SUCCEEDED(bag->Read(L"CLSID", &clsid, nullptr));
+    EXPECT_HRESULT_SUCCEEDED(bag->Read(L"FriendlyName", &name, nullptr));
+    for (const EffectRow& effect : Effects()) {
+      if (lstrcmpiW(clsid.bstrVal, TextOf(effect.clsid).c_str()) == 0) names.emplace_back(name.bstrVal);
     }
     VariantClear(&clsid);
     VariantClear(&name);
@@ -60,40 +70,48 @@ class RegistrationTest : public ModuleTest {
 };
 
 // Merit "do not use": intelligent connection never picks an effect by itself, an exact search finds it.
-TEST_F(RegistrationTest, EntersServerAndFilterExactlyOnceHoweverOftenItIsDone) {
+TEST_F(RegistrationTest, EntersServersAndFiltersExactlyOnceHoweverOftenItIsDone) {
   wchar_t path[MAX_PATH];
   GetModuleFileNameW(TheModule(), path, MAX_PATH);
-  const std::wstring server = kClassKey + std::wstring(L"\\InprocServer32");
+  std::vector<std::wstring> all_names;
+  for (const EffectRow& effect : Effects()) all_names.push_back(effect.display_name);
   for (int times = 1; times <= 2; ++times) {
     SCOPED_TRACE(times);
     ASSERT_EQ(Register(), S_OK);
-    EXPECT_EQ(Text(kClassKey, nullptr), kCompressorName);
-    EXPECT_EQ(Text(server, nullptr), path);
-    EXPECT_EQ(Text(server, L"ThreadingModel"), L"Both");
-    EXPECT_THAT(MatchingNames(), testing::ElementsAre(kCompressorName));
-    EXPECT_THAT(MatchingNames(MERIT_DO_NOT_USE + 1), testing::IsEmpty());
-    EXPECT_THAT(MatchingNames(MERIT_DO_NOT_USE, MEDIATYPE_Video), testing::IsEmpty());
+    for (const EffectRow& effect : Effects()) {
+      EXPECT_EQ(Text(KeyOf(effect), nullptr), effect.display_name);
+      EXPECT_EQ(Text(KeyOf(effect) + L"\\InprocServer32", nullptr), path);
+      EXPECT_EQ(Text(KeyOf(effect) + L"\\InprocServer32", L"ThreadingModel"), L"Both");
+    }
+    EXPECT_THAT(MatchingNames(), testing::UnorderedElementsAreArray(all_names));
+    EXPECT_THAT(MatchingNames({.merit = MERIT_DO_NOT_USE + 1}), testing::IsEmpty());
+    EXPECT_THAT(MatchingNames({.major_type = MEDIATYPE_Video}), testing::IsEmpty());
+    EXPECT_THAT(MatchingNames({.is_rendered = TRUE}), testing::IsEmpty());
   }
 }
 
 TEST_F(RegistrationTest, IsTakenBackWithSubkeysThatOthersAdded) {
   ASSERT_EQ(Register(), S_OK);
   HKEY key = nullptr;
-  ASSERT_EQ(RegCreateKeyW(HKEY_CLASSES_ROOT, (kClassKey + std::wstring(L"\\More\\Deeper\\Deepest")).c_str(), &key),
+  ASSERT_EQ(RegCreateKeyW(HKEY_CLASSES_ROOT, (KeyOf(Effects()[kEq]) + L"\\More\\Deeper\\Deepest").c_str(), &key),
             ERROR_SUCCESS);
   RegCloseKey(key);
   ASSERT_EQ(Unregister(), S_OK);
-  EXPECT_EQ(RegOpenKeyW(HKEY_CLASSES_ROOT, kClassKey, &key), ERROR_FILE_NOT_FOUND);
+  for (const EffectRow& effect : Effects()) {
+    EXPECT_EQ(RegOpenKeyW(HKEY_CLASSES_ROOT, KeyOf(effect).c_str(), &key), ERROR_FILE_NOT_FOUND) << effect.name;
+  }
   EXPECT_THAT(MatchingNames(), testing::IsEmpty());
 }
 
-TEST_F(RegistrationTest, LetsOthersCreateTheFilter) {
-  ComPtr<IBaseFilter> filter;
-  EXPECT_EQ(CoCreateInstance(kCompressorClsid, nullptr, CLSCTX_INPROC_SERVER, IID_IBaseFilter, filter.PutVoid()),
-            REGDB_E_CLASSNOTREG);
-  ASSERT_EQ(Register(), S_OK);
-  ASSERT_EQ(CoCreateInstance(kCompressorClsid, nullptr, CLSCTX_INPROC_SERVER, IID_IBaseFilter, filter.PutVoid()), S_OK);
-  EXPECT_TRUE(Query<ICompressorSettings>(filter.Get()));
+TEST_F(RegistrationTest, LetsOthersCreateTheFilters) {
+  for (const bool registered : {false, true}) {
+    if (registered) Register();
+    for (const EffectRow& effect : Effects()) {
+      ComPtr<IUnknown> filter;
+      EXPECT_EQ(CoCreateInstance(effect.clsid, nullptr, CLSCTX_INPROC_SERVER, effect.control_iid, filter.PutVoid()),
+                registered ? S_OK : REGDB_E_CLASSNOTREG);
+    }
+  }
 }
 
 }  // namespace

@@ -1,108 +1,140 @@
-// The compressor's control interface: slots, the modified flag, factory presets, messages to windows.
+// The control interfaces: slots, factory presets, messages to windows.
+#include <cmath>
 #include <functional>
-#include <iterator>
-#include <string>
+#include <sstream>
 
-#include "module/module.h"
+#include "effects/compressor/compressor_meters.h"
+#include "module/effects.h"
 
 namespace tervan::test {
 namespace {
 
-using SettingsTest = ModuleTest;
-using PresetsTest = ModuleTest;
-using NotificationTest = ModuleTest;
+constexpr void* kNull = nullptr;
 
-// Every slot by its place. One group of five per parameter: get, set, begin, end, automated.
-TEST_F(SettingsTest, AnswerAtTheirSlots) {
-  const auto control = NewCompressor<ICompressorSettings>();
-  const auto slot = [&](int number, auto... arguments) { return CallSlot(control.Get(), number, arguments...); };
-  CompressorSettings read{7, 7, 7, 7, 7, 7, 7, 7, 0x5A5A5A5A, 7};
-  EXPECT_EQ(slot(3, &read), S_OK);
-  EXPECT_EQ(read, (CompressorSettings{0, 0, 0, 1, 15, 250, 1, 0, 0x5A5A5A5A, 0})) << "the reserved word stays";
-  const CompressorSettings record{99, 2, -3, 4, 5, 6, 0, 1, 0x5A5A5A5A, 1};  // stored as given, even outside a range
-  EXPECT_EQ(slot(4, &record), S_OK);
-  EXPECT_EQ(slot(3, &read), S_OK);
-  EXPECT_EQ(read, record);
-  const CompressorSettings older{-1, -2, -30, 40, 50, 60, 0, 1, 0, 0};
-  EXPECT_EQ(slot(5, &older), S_OK);
-  EXPECT_EQ(SettingsOf(*control), (CompressorSettings{-1, -2, -30, 40, 50, 60, 1, 0, 0, 0}));
-  EXPECT_EQ(slot(6, &older), S_OK);
-  EXPECT_EQ(SettingsOf(*control), older);
+using SettingsTest = EffectTest;
+using PresetsTest = EffectTest;
+using NotificationTest = EffectTest;
+using CompressorSettingsTest = ModuleTest;
+using EqSettingsTest = ModuleTest;
+TERVAN_FOR_ALL_EFFECTS(SettingsTest);
+TERVAN_FOR_ALL_EFFECTS(PresetsTest);
+TERVAN_FOR_ALL_EFFECTS(NotificationTest);
 
-  WAVEFORMATEX format{};
-  EXPECT_EQ(slot(7, &format), VFW_E_NOT_CONNECTED);
-  EXPECT_EQ(slot(8, HWND{}, 0), S_OK);
+TEST_P(SettingsTest, ARecordIsStoredAsGivenOrByTheDitherClamped) {
+  const Filter filter(effect);
+  Settings record(effect.loaded.size()), stored;
+  for (std::size_t word = 0; word < record.size(); ++word) record[word] = 1000 + static_cast<double>(word);
+  filter.Set(record);
+  // The compressor's reserved word is not written at all.
+  stored = effect.has_automation ? record : Settings{6, 5, 2};
+  EXPECT_EQ(filter.Get(1000 + kReservedWord), stored);
+  for (const int number : {3, 4, effect.format_slot}) EXPECT_EQ(filter.Slot(number, kNull), E_POINTER) << number;
+  if (effect.has_automation) return;
+  filter.Set({-1, 7, 3});
+  EXPECT_EQ(filter.Get(), (Settings{0, 5, 2}));
+}
 
-  const struct { float set, stored; } floats[] = {{3, 3}, {-61, -60}, {-5, -5}, {6, 6}, {501, 500}, {8, 8}};
-  for (int parameter = 0; parameter < 9; ++parameter) {
-    SCOPED_TRACE(parameter);
-    const int group = 9 + 5 * parameter;
-    if (parameter < 6) {
-      float value = 77;
-      EXPECT_EQ(slot(group + 1, floats[parameter].set), S_OK);
-      EXPECT_EQ(slot(group, &value), S_OK);
-      EXPECT_EQ(value, floats[parameter].stored);
-    } else {
-      for (const INT32 wanted : {1, 0, parameter == 7 ? 0 : 1}) {
-        INT32 value = 77;
-        EXPECT_EQ(slot(group + 1, wanted * 7), S_OK);
-        EXPECT_EQ(slot(group, &value), S_OK);
-        EXPECT_EQ(value, wanted);
+// Every slot by its place: it reaches its own parameter and word of the record, and no other.
+TEST_P(SettingsTest, ParametersAnswerAtTheirSlots) {
+  HostRecorder recorder;
+  const Filter filter(effect);
+  if (effect.has_automation) Query<IParamRecorderSite>(filter.control.Get())->SetRecorder(&recorder);
+  for (std::size_t row = 0; row < effect.params.size(); ++row) {
+    const ParamRow& param = effect.params[row];
+    SCOPED_TRACE(row);
+    filter.presets->ApplyPreset(0);
+    recorder.Take();
+    Settings expected = effect.presets[0].settings;
+    const double low = std::round(param.min * param.scale), high = std::round(param.max * param.scale);
+    const struct { double set, stored; } values[] = {{high + 1, high}, {low - 1, low}, {low + 1, low + 1}};
+    for (const auto& value : values) {
+      std::ostringstream heard;
+      if (effect.has_automation && expected[param.word] != value.stored) {
+        heard << " B" << row << " V" << row << '=' << value.stored / param.scale << " E" << row;
       }
+      expected[param.word] = value.stored;
+      EXPECT_EQ(filter.SetAt(param, value.set), S_OK);
+      EXPECT_EQ(recorder.Take(), heard.str());
+      EXPECT_EQ(filter.Get(), expected);
+      EXPECT_EQ(filter.GetAt(param), value.stored);
     }
-    EXPECT_EQ(slot(group + 2), S_OK);
-    EXPECT_EQ(slot(group + 2), S_FALSE) << "the edit is already in progress";
-    EXPECT_EQ(slot(group + 3), S_OK);
-    EXPECT_EQ(slot(group + 4), S_FALSE);
-  }
-  EXPECT_EQ(SettingsOf(*control), (CompressorSettings{3, -60, -5, 6, 500, 8, 1, 0, 0, 1}));
-
-  const CompressorMeters published{0.1, 0.2, 0.3, 0.4, 0.5};
-  CompressorMeters meters{7, 7, 7, 7, 7};
-  EXPECT_EQ(slot(54, &meters), S_OK);
-  EXPECT_EQ(std::memcmp(&meters, &kIdleMeters, sizeof meters), 0);
-  EXPECT_EQ(slot(55, published), S_OK);
-  EXPECT_EQ(slot(54, &meters), S_OK);
-  EXPECT_EQ(std::memcmp(&meters, &published, sizeof meters), 0);
-
-  for (const int number : {3, 4, 5, 6, 7, 9, 14, 19, 24, 29, 34, 39, 44, 49, 54}) {
-    EXPECT_EQ(slot(number, static_cast<void*>(nullptr)), E_POINTER) << number;
+    EXPECT_EQ(filter.Slot(param.slot, kNull), E_POINTER);
+    if (!effect.has_automation) continue;
+    EXPECT_EQ(filter.Slot(param.slot + 2), S_OK);
+    EXPECT_EQ(filter.Slot(param.slot + 2), S_FALSE) << "the edit is already in progress";
+    EXPECT_EQ(filter.Slot(param.slot + 3), S_OK);
+    EXPECT_EQ(recorder.Take(), " B" + std::to_string(row) + " E" + std::to_string(row));
+    MP_DATA value = 77;
+    EXPECT_EQ(filter.values->GetParam(static_cast<DWORD>(row), &value), S_OK);
+    EXPECT_FLOAT_EQ(value, static_cast<float>((low + 1) / param.scale));
   }
 }
 
-TEST_F(PresetsTest, AreListedAndApplied) {
-  const struct {
-    const wchar_t* name;
-    CompressorSettings settings;
-  } rows[] = {
-      {L"(Default)", {0, 0, 0, 1, 15, 250, 1, 0, 0, 0}},
-      {L"Default all parameters", {0, 0, 0, 1, 15, 250, 1, 0, 0, 0}},
-      {L"Soft Limiter", {0, 0, -6, 25, 0, 250, 0, 1, 0, 0}},
-      {L"1.5:1 compression starting at -24 dB", {0, 0, -24, 1.5f, 15, 250, 0, 1, 0, 0}},
-      {L"2:1 compression starting at -18 dB", {0, 0, -18, 2, 15, 250, 1, 0, 0, 0}},
-      {L"3:1 compression starting at -15 dB", {0, 0, -15, 3, 15, 250, 1, 1, 0, 0}},
-      {L"6:1 compression starting at -12 dB", {0, 0, -12, 6, 15, 250, 1, 1, 0, 0}},
-      {L"10:1 compression starting at -9 dB", {0, 0, -9, 10, 15, 250, 1, 1, 0, 0}},
-      {L"Limit levels to -6 dB (hard limiter)", {0, 0, -6, 50, 0, 250, 0, 0, 0, 0}},
-  };
-  const Compressor compressor;
-  IPluginPresets& presets = *compressor.presets;
+TEST_F(CompressorSettingsTest, OlderRecordsAndMetersHaveSlots) {
+  const Filter filter(kCompressor);
+  const Settings older{-1, -2, -30, 40, 50, 60, 0, 1, 0, 0};
+  const Bytes words = RecordBytes(filter.effect, older);
+  EXPECT_EQ(filter.Slot(5, words.data()), S_OK);
+  EXPECT_EQ(filter.Get(), (Settings{-1, -2, -30, 40, 50, 60, 1, 0, 0, 0}));
+  EXPECT_EQ(filter.Slot(6, words.data()), S_OK);
+  EXPECT_EQ(filter.Get(), older);
+
+  const CompressorMeters published{0.1, 0.2, 0.3, 0.4, 0.5};
+  CompressorMeters meters{7, 7, 7, 7, 7};
+  EXPECT_EQ(filter.Slot(54, &meters), S_OK);
+  EXPECT_EQ(std::memcmp(&meters, &kIdleMeters, sizeof meters), 0);
+  EXPECT_EQ(filter.Slot(55, published), S_OK);
+  EXPECT_EQ(filter.Slot(54, &meters), S_OK);
+  EXPECT_EQ(std::memcmp(&meters, &published, sizeof meters), 0);
+  for (const int number : {5, 6, 54}) EXPECT_EQ(filter.Slot(number, kNull), E_POINTER) << number;
+}
+
+TEST_F(EqSettingsTest, TheSelectedBandThePollAndSettingsByBandHaveSlots) {
+  const Filter filter(kEq);
+  filter.Set(filter.effect.loaded);
+  int value = -77;
+  EXPECT_EQ(filter.Slot(128, 3), S_OK);
+  EXPECT_EQ(filter.Slot(127, &value), S_OK);
+  EXPECT_EQ(value, 3);
+  EXPECT_EQ(filter.Get()[24], 3);
+  EXPECT_EQ(filter.Slot(127, kNull), E_POINTER);
+
+  EXPECT_EQ(filter.Slot(129), S_FALSE);
+  EXPECT_EQ(filter.values->SetParam(0, 250), S_OK);
+  EXPECT_EQ(filter.Slot(129), S_OK);
+  EXPECT_EQ(filter.Slot(129), S_FALSE);
+
+  filter.Set(filter.effect.loaded);
+  const int first_words[] = {8, 0, 4, 12, 16, 20};  // frequency, gain, bandwidth, mode, rolloff, enable
+  for (int kind = 0; kind < 6; ++kind) {
+    for (const int band : {0, 1, 2, 3, 4}) {
+      EXPECT_EQ(filter.Slot(135 + kind, &(value = -77), band), S_OK);
+      EXPECT_EQ(value, band > 3 ? -77 : filter.effect.loaded[first_words[kind] + band]) << kind << ' ' << band;
+    }
+    EXPECT_EQ(filter.Slot(135 + kind, kNull, 0), E_POINTER);
+  }
+}
+
+TEST_P(PresetsTest, AreListedAndApplied) {
+  const Filter filter(effect);
+  EXPECT_EQ(filter.Get(), effect.presets[0].settings) << "of a new filter";
+  IPluginPresets& presets = *filter.presets;
   LONG count = 0;
   EXPECT_EQ(CallSlot(&presets, 3, &count), S_OK);
-  ASSERT_EQ(count, static_cast<LONG>(std::size(rows)));
+  ASSERT_EQ(count, static_cast<LONG>(effect.presets.size()));
   WCHAR name[64];
   for (LONG i = 0; i < count; ++i) {
     SCOPED_TRACE(i);
     EXPECT_EQ(CallSlot(&presets, 4, i, &name[0], LONG{64}), S_OK);
-    EXPECT_EQ(std::wstring(name), rows[i].name);
+    EXPECT_EQ(std::wstring(name), effect.presets[i].name);
     EXPECT_EQ(CallSlot(&presets, 5, i), S_OK);
-    EXPECT_EQ(SettingsOf(*compressor.control), rows[i].settings);
+    EXPECT_EQ(filter.Get(), effect.presets[i].settings);
   }
   std::wstring cut(15, L'x');
-  EXPECT_EQ(presets.GetPresetName(2, cut.data(), 5), S_OK);
-  EXPECT_EQ(cut, std::wstring(L"Soft\0xxxxxxxxxx", 15));
-  EXPECT_EQ(presets.GetPresetName(2, cut.data(), 0), S_OK) << "no room even for the end";
-  EXPECT_EQ(cut[0], L'S');
+  EXPECT_EQ(presets.GetPresetName(0, cut.data(), 5), S_OK);
+  EXPECT_EQ(cut, std::wstring(L"(Def\0xxxxxxxxxx", 15));
+  EXPECT_EQ(presets.GetPresetName(1, cut.data(), 0), S_OK) << "no room even for the end";
+  EXPECT_EQ(cut[0], L'(');
   for (const LONG index : {LONG{-1}, count}) {
     EXPECT_EQ(presets.GetPresetName(index, name, 64), E_INVALIDARG) << index;
     EXPECT_EQ(presets.ApplyPreset(index), E_INVALIDARG) << index;
@@ -111,35 +143,30 @@ TEST_F(PresetsTest, AreListedAndApplied) {
   EXPECT_EQ(presets.GetPresetName(0, nullptr, 64), E_POINTER);
 }
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
-
-TEST_F(NotificationTest, EachKindOfChangePostsItsCode) {
+TEST_P(NotificationTest, EachKindOfChangePostsItsCode) {
   constexpr int kId = 32700;
   Window window;
-  Compressor compressor;
-  ASSERT_EQ(compressor.control->SetNotifyWindow(window, kId), S_OK);
-  const CompressorSettings settings = SettingsOf(*compressor.control);
+  Filter filter(effect);
+  ASSERT_EQ(filter.Register(window, kId), S_OK);
+  const bool has_meters = GetParam() == kCompressor;
+  const ParamRow& first = effect.params[0];
   float frame = 0;
   const struct {
     const char* what;
     std::function<void()> act;
-    std::vector<std::pair<int, int>> commands;
+    Commands commands;
   } rows[] = {
-      {"the page's own value", [&] { compressor.control->SetAmount(3); }, {}},
-      {"the page's own record", [&] { compressor.control->SetSettings(&settings); }, {}},
-      {"the host's value", [&] { compressor.values->SetParam(3, 5); }, {{kId, 0}}},
-      {"the host's same value", [&] { compressor.values->SetParam(3, 5); }, {}},
-      {"a preset", [&] { compressor.presets->ApplyPreset(8); }, {{kId, 32701}}},
-      {"start of streaming", [&] { compressor.direct->BeginStream(2, 44100); }, {{kId, 32702}, {kId, 32703}}},
-      {"processing", [&] { compressor.direct->ProcessBuffer(&frame, 0, 0); }, {}},
-      {"end of streaming", [&] { compressor.direct->EndStream(); }, {{kId, 32703}}},
-      {"the filter's end",
-       [&] {
-         compressor = {nullptr, nullptr, nullptr, nullptr, nullptr};
-       },
-       {{kId, 32703}}},
+      {"the page's own value", [&] { filter.SetAt(first, first.max); }, {}},
+      {"the page's own record", [&] { filter.Set(effect.audible); }, {}},
+      {"the host's value", [&] { return filter.values && filter.values->SetParam(0, first.max); },
+       effect.set_by_host_code ? Commands{{kId, *effect.set_by_host_code}} : Commands{}},
+      {"the host's same value", [&] { return filter.values && filter.values->SetParam(0, first.max); }, {}},
+      {"a preset", [&] { filter.presets->ApplyPreset(2); }, {{kId, effect.replaced_code}}},
+      {"start of streaming", [&] { filter.direct->BeginStream(2, 44100); },
+       has_meters ? Commands{{kId, 32702}, {kId, 32703}} : Commands{}},
+      {"processing", [&] { filter.direct->ProcessBuffer(&frame, 0, 0); }, {}},
+      {"end of streaming", [&] { filter.direct->EndStream(); }, has_meters ? Commands{{kId, 32703}} : Commands{}},
+      {"the filter's end", [&] { filter.Release(); }, has_meters ? Commands{{kId, 32703}} : Commands{}},
   };
   for (const auto& row : rows) {
     row.act();
@@ -147,20 +174,20 @@ TEST_F(NotificationTest, EachKindOfChangePostsItsCode) {
   }
 }
 
-TEST_F(NotificationTest, TwoWindowsAtMostAndADestroyedOneMakesRoomAtTheNextPost) {
+TEST_P(NotificationTest, TwoWindowsAtMostAndADestroyedOneMakesRoomAtTheNextPost) {
   Window first, second, third;
-  const Compressor compressor;
-  EXPECT_EQ(compressor.control->SetNotifyWindow(first, 11), S_OK);
-  EXPECT_EQ(compressor.control->SetNotifyWindow(second, 12), S_OK);
+  const Filter filter(effect);
+  EXPECT_EQ(filter.Register(first, 11), S_OK);
+  EXPECT_EQ(filter.Register(second, 12), S_OK);
   first.Destroy();
-  EXPECT_EQ(compressor.control->SetNotifyWindow(third, 13), E_OUTOFMEMORY) << "not noticed before a post";
-  compressor.presets->ApplyPreset(1);
-  EXPECT_THAT(second.Take(), ElementsAre(Pair(12, 32701)));
-  EXPECT_EQ(compressor.control->SetNotifyWindow(third, 13), S_OK);
-  EXPECT_EQ(compressor.control->SetNotifyWindow(second, 0), S_OK);
-  compressor.presets->ApplyPreset(1);
-  EXPECT_THAT(second.Take(), IsEmpty());
-  EXPECT_THAT(third.Take(), ElementsAre(Pair(13, 32701)));
+  EXPECT_EQ(filter.Register(third, 13), E_OUTOFMEMORY) << "not noticed before a post";
+  filter.presets->ApplyPreset(1);
+  EXPECT_EQ(second.Take(), (Commands{{12, effect.replaced_code}}));
+  EXPECT_EQ(filter.Register(third, 13), S_OK);
+  EXPECT_EQ(filter.Register(second, 0), S_OK);
+  filter.presets->ApplyPreset(1);
+  EXPECT_EQ(second.Take(), Commands());
+  EXPECT_EQ(third.Take(), (Commands{{13, effect.replaced_code}}));
 }
 
 }  // namespace

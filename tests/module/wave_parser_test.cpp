@@ -47,8 +47,9 @@ using WaveParserTest = ModuleTest;
 // file source -> WAVE parser -> compressor as a limiter to -6 dB -> sink
 TEST_F(WaveParserTest, AFileIsCompressedFromAnyPositionToItsEnd) {
   const WaveFile file;
-  CompressorGraph graph({WAVE_FORMAT_PCM, 2, 44100, 16});
-  graph.ApplyPreset(kHardLimiter);
+  const EffectRow& effect = Effects()[kCompressor];
+  EffectGraph graph(effect, {WAVE_FORMAT_PCM, 2, 44100, 16});
+  graph.filter.Set(effect.audible);
   graph.builder->RemoveFilter(graph.source);
   ComPtr<IBaseFilter> reader, parser;
   ASSERT_EQ(CoCreateInstance(CLSID_AsyncReader, nullptr, CLSCTX_INPROC_SERVER, IID_IBaseFilter, reader.PutVoid()),
@@ -84,8 +85,8 @@ TEST_F(WaveParserTest, AFileIsCompressedFromAnyPositionToItsEnd) {
     const Bytes output = sink.All();
     const double expected_bytes = kDataBytes * static_cast<double>(10000000 - start) / 1e7;
     ASSERT_NEAR(static_cast<double>(output.size()), expected_bytes, start == 0 ? 0 : 17640);
-    EXPECT_NEAR(SampleAt<INT16>(output, output.size() / 4), kLimit * 32767, 50) << "half-way";
-    EXPECT_NEAR(SampleAt<INT16>(output, output.size() / 2 - 1), kLimit * 32767, 50);
+    EXPECT_NEAR(SampleAt<INT16>(output, output.size() / 4), effect.audible_level * 32767, 50) << "half-way";
+    EXPECT_NEAR(SampleAt<INT16>(output, output.size() / 2 - 1), effect.audible_level * 32767, 50);
     EXPECT_TRUE(sink.samples.back().empty()) << "the drain";
   }
 }
