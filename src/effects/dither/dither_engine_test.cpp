@@ -117,29 +117,31 @@ TEST(DitherEngine, OverloadAndNoNumbersAreBoundedAndForgotten) {
         const double end = std::isnan(bad) ? 0.0 : std::clamp(bad, -0x1p31 * lsb, (0x1p31 - 1) * lsb);
         for (const double y : samples) ASSERT_NEAR(y, end, 1.5 * lsb);
 
-        samples.assign(200, 0.0);
+        samples.assign(200, 0.3);
         engine.Process(samples.data(), 100, 2);
-        for (std::size_t i = 0; i < samples.size(); ++i) ASSERT_LE(std::fabs(samples[i]), (i < 4 ? 32 : 1) * lsb) << i;
+        for (std::size_t i = 0; i < samples.size(); ++i) ASSERT_NEAR(samples[i], 0.3, (i < 4 ? 32 : 1.5) * lsb) << i;
       }
     }
   }
 }
 
 TEST(DitherEngine, CopiesGoOnAlikeAndIndependently) {
-  auto input = Input(), first_out = input, second_out = input;
-  std::optional<CLmDither> first(std::in_place, 8, DitherType::kHighpassTriangular, NoiseShaping::kEqualLoudnessContour,
-                                 [] { return kSeed; });
-  CLmDither second(16, DitherType::kNone, NoiseShaping::kOff, [] { return 1u; });
-  first->Process(input.data(), 101, 2);
-  second = *first;
-  first->Process(first_out.data(), 500, 2);
-  second.Process(second_out.data(), 500, 2);
-  const CLmDither& itself = *first;
-  *first = itself;
-  first->Process(&first_out[1000], 400, 2);
-  first.reset();
-  second.Process(&second_out[1000], 400, 2);
-  EXPECT_TRUE(SameBits(first_out, second_out));
+  for (std::uint32_t head = 80; head < 100; ++head) {  // of what was before, some outputs show every bit
+    auto input = Input(), first_out = input, second_out = input;
+    std::optional<CLmDither> first(std::in_place, 8, DitherType::kHighpassTriangular,
+                                   NoiseShaping::kEqualLoudnessContour, [] { return kSeed; });
+    CLmDither second(16, DitherType::kNone, NoiseShaping::kOff, [] { return 1u; });
+    first->Process(input.data(), head, 2);
+    second = *first;
+    first->Process(first_out.data(), 500, 2);
+    second.Process(second_out.data(), 500, 2);
+    const CLmDither& itself = *first;
+    *first = itself;
+    first->Process(&first_out[1000], 400, 2);
+    first.reset();
+    second.Process(&second_out[1000], 400, 2);
+    EXPECT_TRUE(SameBits(first_out, second_out)) << head;
+  }
 }
 
 }  // namespace
