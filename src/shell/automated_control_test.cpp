@@ -8,7 +8,6 @@
 #include <tuple>
 
 #include "effects/compressor/compressor_settings.h"
-#include "effects/gate/gate_settings.h"
 #include "testing/fakes.h"
 
 namespace tervan {
@@ -35,12 +34,6 @@ struct AutomatedControlTest : ::testing::Test {
   OpenAutomatedControl compressor{compressor::kParams, poster};
 };
 
-TEST_F(AutomatedControlTest, StartsChangedButNotDirty) {
-  OpenAutomatedControl fresh(compressor::kParams, poster);
-  EXPECT_EQ(Flags(fresh), "c-");
-  EXPECT_EQ(Flags(fresh), "--");  // a fetch takes note
-}
-
 TEST_F(AutomatedControlTest, SettersClampAndMarkOnlyRealChanges) {
   struct Step {
     std::uint32_t index;
@@ -59,11 +52,6 @@ TEST_F(AutomatedControlTest, SettersClampAndMarkOnlyRealChanges) {
     EXPECT_EQ(compressor.Get(step.index, &value), S_OK);
     EXPECT_EQ(value, step.stored);
     EXPECT_EQ(Flags(compressor), step.flags);
-  }
-  OpenAutomatedControl gate(gate::kParams, poster);
-  for (const auto& [control, stored] : {std::pair{-399, -399}, {INT32_MIN, -800}, {INT32_MAX, 0}}) {
-    gate.Set(0, control);
-    EXPECT_EQ(gate.params().GetInteger(0), stored);
   }
   EXPECT_EQ(compressor.Get(0, static_cast<float*>(nullptr)), E_POINTER);
 }
@@ -96,21 +84,15 @@ TEST_F(AutomatedControlTest, AutomatedMeansInsideASegment) {
   EXPECT_EQ(compressor.IsAutomated(3), S_FALSE);
 }
 
-TEST_F(AutomatedControlTest, RecordsMarkAlways) {
+TEST_F(AutomatedControlTest, StartsChangedButNotDirtyAndRecordsMarkAlways) {
+  OpenAutomatedControl fresh(compressor::kParams, poster);
+  EXPECT_EQ(Flags(fresh), "c-");
+  EXPECT_EQ(Flags(fresh), "--");  // a fetch takes note
   CompressorSettings settings{};
   for (int i = 0; i < 2; ++i) {
     compressor.ImportRecord(&settings);
     EXPECT_EQ(Flags(compressor), "cd");
   }
-}
-
-TEST_F(AutomatedControlTest, FormatIsKnownOnceSet) {
-  StreamFormat format{};
-  EXPECT_EQ(compressor.GetFormat(nullptr), E_POINTER);
-  EXPECT_EQ(compressor.GetFormat(&format), static_cast<HRESULT>(0x80040209));
-  compressor.SetFormat(FloatFormat(2, 44100));
-  EXPECT_EQ(compressor.GetFormat(&format), S_OK);
-  EXPECT_EQ(format.nAvgBytesPerSec, 352800u);
 }
 
 }  // namespace
