@@ -1,6 +1,6 @@
-// The dither's engine on floats, to 16 bits.
+// The dither to 16 bits: the engine on floats, the effect on integers, which it converts.
 
-#include "effects/dither/dither_engine.h"
+#include "effects/dither/dither_effect.h"
 
 #include "engine_bench.h"
 
@@ -32,7 +32,30 @@ void RegisterFormat(const std::string& format) {
   }
 }
 
+struct NoWindows : WindowPoster {
+  bool Exists(WindowHandle) override { return false; }
+  void PostCommand(WindowHandle, std::int32_t, std::uint16_t) override {}
+};
+
+template <typename Sample>
+void RegisterInteger(const std::string& format) {
+  Register("Dither_Triangular_SecondOrder_Stereo" + format, [](benchmark::State& state) {
+    NoWindows windows;
+    DitherEffect effect(windows);
+    const DitherSettings settings{2, 3, 2};
+    effect.SetRecord(&settings);
+    effect.SetFormat(testing::FormatOf(kChannels, 44100));
+    effect.Start();
+    TimeBlocks<Sample>(state, [&effect](Sample* block, std::uint32_t frames) {
+      effect.Process(testing::kFormatOf<Sample>, ProcessMode::kContinuous, block, &frames, false);
+    });
+  });
+}
+
 [[maybe_unused]] const bool registered = [] {
+  RegisterInteger<std::uint8_t>("Pcm8");
+  RegisterInteger<std::int16_t>("Pcm16");
+  RegisterInteger<std::int32_t>("Pcm32");
   RegisterFormat<float>("Float32");
   RegisterFormat<double>("Float64");
   return true;

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "support/float_environment.h"
+
 namespace tervan {
 namespace {
 
@@ -21,6 +23,7 @@ void StreamProcessor::SetFormat(const StreamFormat& format) {
 }
 
 HRESULT StreamProcessor::StartStreaming() {
+  const FloatEnvironmentScope environment;
   SetStreaming(true);
   data_received_ = draining_ = false;
   unpushed_changes_ = 0;  // the start pushes everything
@@ -47,6 +50,7 @@ void StreamProcessor::AdvanceStreamTime(std::uint32_t length_bytes) {
 }
 
 HRESULT StreamProcessor::Transform(SampleView& sample) {
+  const FloatEnvironmentScope environment;
   data_received_ = true;
   ProcessMode mode = sample.discontinuity ? ProcessMode::kDiscontinuity : ProcessMode::kContinuous;
   if (draining_) {
@@ -113,7 +117,8 @@ HRESULT StreamProcessor::BeginStream(std::uint32_t channels, std::uint32_t sampl
 
 HRESULT StreamProcessor::ProcessBuffer(float* data, std::uint32_t frames, bool stop) {
   if (!data) return E_POINTER;
-  if (format_.nChannels == 0) return S_OK;  // no stream has begun: the shape of the buffer is not known
+  if (params_ && format_.nChannels == 0) return S_OK;  // no stream has begun: the shape of the buffer is not known
+  const FloatEnvironmentScope environment;
   data_received_ = true;
   effect_.AdvanceStreamTime(frames);
   if (params_) return ProcessChunks(data, frames, stop);
@@ -153,6 +158,7 @@ HRESULT StreamProcessor::GetTail(float* data, std::uint32_t* frames) {
 }
 
 HRESULT StreamProcessor::Refresh(bool reset) {
+  const FloatEnvironmentScope environment;
   if (reset && params_) params_->ResetClock();
   const bool changed = effect_.FetchSettings();
   if (!reset && !changed) return S_FALSE;

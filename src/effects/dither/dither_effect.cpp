@@ -11,7 +11,7 @@ constinit const EffectTraits kDitherTraits{
     .filter_clsid = {0x260df3e1, 0xac77, 0x11d2, {0x9e, 0x93, 0x00, 0xc0, 0x4f, 0x68, 0xbe, 0x44}},
     .page_clsid = {0x260df3e2, 0xac77, 0x11d2, {0x9e, 0x93, 0x00, 0xc0, 0x4f, 0x68, 0xbe, 0x44}},
     .drains_at_end = false,
-    .mode_settles = ModeSettles::kAfterFirstChunk,
+    .mode_settles = ModeSettles::kAfterFirstChunk,  // buffers are one chunk
     .settings_replaced_code = kSettingsReplaced,
     .param_set_code = std::nullopt,  // it has no parameters
     .stored = {dither::kForms, sizeof(DitherSettings), LoadNotifies::kAfterBodyRead},
@@ -23,6 +23,8 @@ namespace {
 // What a new engine is made with; the settings follow at once.
 constexpr std::uint32_t kFirstBits = 16;
 
+static_assert(dither::kType.highest + 1 == kDitherTypeCount);
+
 }  // namespace
 
 DitherEffect::DitherEffect(WindowPoster& poster, MillisecondClock clock) : control_(poster), clock_(clock) {
@@ -32,6 +34,7 @@ DitherEffect::DitherEffect(WindowPoster& poster, MillisecondClock clock) : contr
 HRESULT DitherEffect::Start() {
   engine_.reset(new (std::nothrow) CLmDither(kFirstBits, DitherType::kNone, NoiseShaping::kOff, clock_));
   if (engine_ && !engine_->IsReady()) engine_.reset();
+  if (!engine_) return E_OUTOFMEMORY;
   FetchSettings();
   return PushSettings(ProcessMode::kDiscontinuity);
 }
@@ -46,7 +49,8 @@ HRESULT DitherEffect::PushSettings(ProcessMode mode) {
   is_configured_ = engine_ != nullptr;
   if (!engine_) return E_OUTOFMEMORY;
   engine_->Configure(dither::kWordLengthBits[fetched_.quantization_depth],
-                     static_cast<DitherType>(fetched_.dither_type), static_cast<NoiseShaping>(fetched_.noise_shaping));
+                     static_cast<DitherType>(fetched_.dither_type), static_cast<NoiseShaping>(fetched_.noise_shaping),
+                     clock_);
   if (mode == ProcessMode::kDiscontinuity) has_processed_ = false;
   return S_OK;
 }
@@ -70,7 +74,7 @@ HRESULT DitherEffect::Process(SampleFormat format, ProcessMode mode, void* data,
   if (stop) return S_FALSE;
   const bool changed = FetchSettings();
   const bool reset = mode == ProcessMode::kDiscontinuity && has_processed_;
-  if (reset || changed || !is_configured_) {
+  if (reset || changed || NeedsSettings()) {
     const HRESULT pushed = PushSettings(reset ? ProcessMode::kDiscontinuity : ProcessMode::kContinuous);
     if (FAILED(pushed)) return pushed;
   }

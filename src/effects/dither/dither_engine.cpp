@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <new>
 
+#include "support/float_environment.h"
 #include "support/round_to_nearest.h"
 #include "support/state_floor.h"
 
@@ -51,24 +52,26 @@ double Carried(double error_lsb) noexcept { return std::fabs(error_lsb) <= kMost
 }  // namespace
 
 // Indexed by DitherType.
-const CLmDither::NoiseSource CLmDither::kNoiseSources[kDitherTypes] = {
+const CLmDither::NoiseSource CLmDither::kNoiseSources[kDitherTypeCount] = {
     {NoNoise, 0.0},    {Rectangular, 0.5},        {Rectangular, 1.0},
     {Triangular, 1.0}, {HighpassTriangular, 1.0}, {Gaussian, 0.5},
 };
 
 CLmDither::CLmDither(std::uint32_t bits, DitherType dither_type, NoiseShaping shaping, MillisecondClock clock)
-    : m_generator(new (std::nothrow) R250Generator), m_clock(clock) {
-  Configure(bits, dither_type, shaping);
+    : m_generator(new (std::nothrow) R250Generator) {
+  Configure(bits, dither_type, shaping, clock);
 }
-
-CLmDither::~CLmDither() = default;
 
 CLmDither& CLmDither::operator=(const CLmDither& other) {
   if (this == &other) return *this;
   m_formatCode = other.m_formatCode;
   m_ditherType = other.m_ditherType;
   m_shaping = other.m_shaping;
-  m_generator.reset(other.m_generator ? new (std::nothrow) R250Generator(*other.m_generator) : nullptr);
+  if (m_generator && other.m_generator) {
+    *m_generator = *other.m_generator;
+  } else {
+    m_generator.reset(other.m_generator ? new (std::nothrow) R250Generator(*other.m_generator) : nullptr);
+  }
   m_noiseFunction = other.m_noiseFunction;
   m_amplitude = other.m_amplitude;
   m_scale = other.m_scale;
@@ -78,11 +81,10 @@ CLmDither& CLmDither::operator=(const CLmDither& other) {
     m_errorA[channel] = other.m_errorA[channel];
     m_errorB[channel] = other.m_errorB[channel];
   }
-  m_clock = other.m_clock;
   return *this;
 }
 
-void CLmDither::Configure(std::uint32_t bits, DitherType dither_type, NoiseShaping shaping) {
+void CLmDither::Configure(std::uint32_t bits, DitherType dither_type, NoiseShaping shaping, MillisecondClock clock) {
   m_formatCode = 0;
   m_ditherType = dither_type;
   m_shaping = shaping;
@@ -90,10 +92,10 @@ void CLmDither::Configure(std::uint32_t bits, DitherType dither_type, NoiseShapi
   m_inverseScale = 1.0 / m_scale;
   m_highpassHistory = 0.0;
   for (std::size_t channel = 0; channel < kMaxChannels; ++channel) m_errorA[channel] = m_errorB[channel] = 0.0;
-  if (m_generator) m_generator->Seed(m_clock());
+  if (m_generator) m_generator->Seed(clock());
 
   const auto type = static_cast<std::uint32_t>(dither_type);
-  const NoiseSource source = type < kDitherTypes ? kNoiseSources[type] : NoiseSource{};
+  const NoiseSource source = type < kDitherTypeCount ? kNoiseSources[type] : NoiseSource{};
   m_noiseFunction = source.function;
   // Without shaping the noise is added before the scaling.
   m_amplitude = shaping == NoiseShaping::kOff ? source.amplitude_lsb * m_inverseScale : source.amplitude_lsb;
@@ -143,7 +145,7 @@ void CLmDither::ProcessSecondOrder(Sample* samples, std::uint32_t frames, std::u
   }
 }
 
-// Not inlined: the compiler knows nothing of the rounding mode and would move arithmetic across its change.
+// Not inlined: no arithmetic may move out of the scope that the caller sets up.
 template <typename Sample>
 [[gnu::noinline]] void CLmDither::ProcessRounding(Sample* samples, std::uint32_t frames, std::uint32_t channels) {
   switch (m_shaping) {
@@ -157,7 +159,7 @@ template <typename Sample>
 template <typename Sample>
 void CLmDither::ProcessAll(Sample* samples, std::uint32_t frames, std::uint32_t channels) {
   if (!m_generator || !m_noiseFunction || channels > kMaxChannels) return;
-  const RoundToNearestScope rounding;
+  const FloatEnvironmentScope environment;
   ProcessRounding(samples, frames, channels);
 }
 

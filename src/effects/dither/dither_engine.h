@@ -28,7 +28,7 @@ enum class DitherType : std::uint32_t {
   kHighpassTriangular,  // the difference of successive uniform values, within ±0.995 LSB
   kGaussian,            // standard deviation 0.5 LSB
 };
-inline constexpr std::uint32_t kDitherTypes = 6;
+inline constexpr std::uint32_t kDitherTypeCount = 6;
 
 enum class NoiseShaping : std::uint32_t {
   kOff,
@@ -41,10 +41,9 @@ enum class NoiseShaping : std::uint32_t {
 // order.
 class CLmDither {
  public:
-  // Configured. clock seeds the noise of every configuration.
+  // Configured.
   CLmDither(std::uint32_t bits, DitherType dither_type, NoiseShaping shaping,
             MillisecondClock clock = ModuleMilliseconds);
-  ~CLmDither();
   CLmDither(const CLmDither&) = delete;
 
   // Both engines then go on alike, each with a generator of its own.
@@ -53,9 +52,10 @@ class CLmDither {
   // False when there was no memory for the generator: Process then leaves everything as it is.
   bool IsReady() const { return m_generator != nullptr; }
 
-  // bits: 8..32. Clears the error feedback and starts a new sequence of noise. A type or shaping outside its
-  // enumeration makes Process leave everything as it is.
-  void Configure(std::uint32_t bits, DitherType dither_type, NoiseShaping shaping);
+  // bits: 8..32. Clears the error feedback and starts a new sequence of noise, seeded by the clock. A type or shaping
+  // outside its enumeration makes Process leave everything as it is.
+  void Configure(std::uint32_t bits, DitherType dither_type, NoiseShaping shaping,
+                 MillisecondClock clock = ModuleMilliseconds);
 
   // frames × channels interleaved samples in place, channel by channel. channels: 1 or 2; others change nothing.
   // Results beyond 32 bits saturate, and a NaN becomes 0.
@@ -68,7 +68,7 @@ class CLmDither {
     NoiseFunction function;
     double amplitude_lsb;
   };
-  static const NoiseSource kNoiseSources[kDitherTypes];
+  static const NoiseSource kNoiseSources[kDitherTypeCount];
 
   template <typename Sample>
   void ProcessAll(Sample* samples, std::uint32_t frames, std::uint32_t channels);
@@ -95,7 +95,8 @@ class CLmDither {
   double m_highpassHistory = 0.0;  // one for all channels
   double m_errorA[kMaxChannels] = {};
   double m_errorB[kMaxChannels] = {};
-  MillisecondClock m_clock;
 };
+
+static_assert(sizeof(CLmDither) == (sizeof(void*) == 8 ? 96 : 88));
 
 }  // namespace tervan

@@ -5,8 +5,8 @@ namespace {
 
 constexpr std::uint32_t kPartnerOffset = 103;
 
-// Words at kFirstIndependent + j kIndependentStep get bit j alone below their leading bits: that makes 32 of them
-// linearly independent, so that the register never degenerates.
+// Word kFirstIndependent + j kIndependentStep gets j leading zeros and then a one: 32 words that are linearly
+// independent, so that the register never degenerates.
 constexpr std::uint32_t kFirstIndependent = 3;
 constexpr std::uint32_t kIndependentStep = 7;
 
