@@ -1,4 +1,4 @@
-// The COM classes that the module creates, in a fixed order: registration walks it, and a row's index is its identity.
+// The COM classes that the module creates, in a fixed order: registration walks it forwards, unregistration backwards.
 #pragma once
 
 #include <windows.h>

@@ -24,10 +24,12 @@ class SettingsSource {
 
 // Engine derives from this and brings
 //
-//   void Design(const Settings&, ProcessMode keep_state)   coefficients; kDiscontinuity also resets the running state
+//   void Design(const Settings&, ProcessMode)              coefficients; kDiscontinuity also resets the running state
 //   template <typename Codec> void Run(typename Codec::Sample* data, std::uint32_t frames)
 //                                                          interleaved frames of the format's channels, in place
-//   bool Ends()                                            true: a raised stop flag ends the stream here
+//   bool EndStream()                                       the stop flag is raised; true: the stream ends here
+//
+// It may put its own Start and SetFormat before these; nothing calls them through this base.
 //
 // Source: SettingsSource<Settings>, or an effect's extension of it.
 template <typename Engine, typename Settings, typename Source = SettingsSource<Settings>>
@@ -42,12 +44,15 @@ class AutomatedEngine {
   }
 
   // Loads the settings with a reset.
-  void Start() { LoadSnapshot(ProcessMode::kDiscontinuity, true); }
+  void Start() {
+    loaded_ = false;
+    LoadSnapshot(ProcessMode::kDiscontinuity);
+  }
 
   bool loaded() const { return loaded_; }  // false: the next routine asks for settings, changed or not
 
-  void LoadParameters(const Settings& settings, ProcessMode keep_state) {
-    engine().Design(settings, keep_state);
+  void LoadParameters(const Settings& settings, ProcessMode mode) {
+    engine().Design(settings, mode);
     loaded_ = true;
   }
 
@@ -69,11 +74,11 @@ class AutomatedEngine {
   // settings, S_FALSE and no frames.
   HRESULT ProcessFloat32(ProcessMode mode, float* data, std::uint32_t* frames, bool stop) {
     if (mode == ProcessMode::kDrain) return NoFrames(frames);
-    if (stop && engine().Ends()) {
+    if (stop && engine().EndStream()) {
       loaded_ = false;
       return NoFrames(frames);
     }
-    if (!loaded_) LoadSnapshot(mode, true);
+    if (!loaded_) LoadSnapshot(mode);
     engine().template Run<Float32Codec>(data, *frames);
     return S_OK;
   }
@@ -83,7 +88,6 @@ class AutomatedEngine {
 
   Source& source() const { return source_; }
   const StreamFormat& format() const { return format_; }
-  void AskForSettings() { loaded_ = false; }
 
  private:
   Engine& engine() { return static_cast<Engine&>(*this); }
@@ -93,16 +97,17 @@ class AutomatedEngine {
     return S_FALSE;
   }
 
-  void LoadSnapshot(ProcessMode mode, bool always) {
+  // When they changed or none are loaded.
+  void LoadSnapshot(ProcessMode mode) {
     Settings settings{};
     const bool changed = source_.SnapshotSettings(&settings);
-    if (changed || !loaded_ || always) LoadParameters(settings, mode);
+    if (changed || !loaded_) LoadParameters(settings, mode);
   }
 
   template <typename Codec>
   HRESULT ProcessSnapshot(ProcessMode mode, typename Codec::Sample* data, std::uint32_t* frames) {
     if (mode == ProcessMode::kDrain) return NoFrames(frames);
-    LoadSnapshot(mode, false);
+    LoadSnapshot(mode);
     engine().template Run<Codec>(data, *frames);
     return S_OK;
   }

@@ -20,7 +20,7 @@ enum class ProcessMode : std::uint32_t {
   kDrain = 2,  // the end of the stream: produce what is left, touch nothing
 };
 
-// When a discontinuity is over, within one sample.
+// When a discontinuity is over, within one sample, for engines that make a difference.
 enum class ModeSettles { kAfterPush, kAfterFirstChunk };
 
 struct EffectTraits {
@@ -42,14 +42,15 @@ class Effect {
 
   virtual const EffectTraits& traits() const = 0;  // [any thread]
   virtual ControlState& control() = 0;             // [any thread]
-  virtual ParamManager* params() = 0;              // null: no automation, buffers are never cut [any thread]
+  // Null: no automation. Buffers are then never cut, and Process fetches and pushes settings itself. [any thread]
+  virtual ParamManager* params() = 0;
 
   // The settings record of traits().stored.record_bytes; fields without a setting are left alone. [any thread]
   virtual void GetRecord(void* record) = 0;
   virtual HRESULT SetRecord(const void* record) = 0;
 
   // The format of all frames from now on; before the start, and in the stream when the format changes there. An engine
-  // that was designed for another one asks for new settings.
+  // whose coefficients hang on what changes asks for new settings.
   virtual void SetFormat(const StreamFormat& format) = 0;
 
   // Resets the engine and pushes all settings. A failure keeps the stream from starting.

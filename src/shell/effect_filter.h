@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 #include "shell/filter_setup.h"
@@ -16,6 +17,7 @@ static_assert(sizeof(WAVEFORMATEX) == sizeof(StreamFormat));
 template <typename Interface, typename Settings, typename EffectType, const directshow::FilterSetup& kSetup>
 class EffectFilter : public directshow::Implements<FilterShell, Interface> {
   using Base = directshow::Implements<FilterShell, Interface>;
+  using Control = std::remove_reference_t<decltype(std::declval<EffectType>().settings_control())>;
 
  public:
   explicit EffectFilter(IUnknown* outer)
@@ -38,7 +40,7 @@ class EffectFilter : public directshow::Implements<FilterShell, Interface> {
   }
   const directshow::FilterSetup* Setup() noexcept override { return &kSetup; }
 
-  decltype(std::declval<EffectType>().settings_control()) control_;
+  Control& control_;
 };
 
 }  // namespace tervan

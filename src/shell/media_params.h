@@ -18,10 +18,11 @@ struct IMediaParams : IUnknown {
   // Slot 4. S_OK; S_FALSE when that is already the value or automation governs it; E_INVALIDARG outside the range.
   // [host]
   virtual HRESULT STDMETHODCALLTYPE SetParam(DWORD index, MP_DATA value) = 0;
-  // Slot 5. One or all parameters. S_OK; E_POINTER; E_INVALIDARG without segments or for values that are not finite.
-  // [host]
+  // Slot 5. One or all parameters. S_OK; E_POINTER; E_INVALIDARG without segments or for values that are not finite;
+  // E_OUTOFMEMORY. [host]
   virtual HRESULT STDMETHODCALLTYPE AddEnvelope(DWORD index, DWORD count, MP_ENVELOPE_SEGMENT* segments) = 0;
-  // Slot 6. One or all parameters; removes the segments that overlap the span. S_OK. [host]
+  // Slot 6. One or all parameters; removes the segments that overlap the span. S_OK; E_OUTOFMEMORY.
+  // [host]
   virtual HRESULT STDMETHODCALLTYPE FlushEnvelope(DWORD index, REFERENCE_TIME start, REFERENCE_TIME end) = 0;
   // Slot 7. S_OK for GUID_TIME_REFERENCE, else E_FAIL. [host]
   virtual HRESULT STDMETHODCALLTYPE SetTimeFormat(GUID format, MP_TIMEDATA time_data) = 0;

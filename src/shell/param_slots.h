@@ -5,7 +5,7 @@
 // Get    S_OK, or E_POINTER. [any thread]
 // Set    clamps to the range; S_OK. [page]
 // Begin  an edit by hand begins: automation of P rests, the recorder is told. S_OK; S_FALSE when one is open. [page]
-// End    S_OK. [page]
+// End    the engine fetches the settings again; S_OK. [page]
 // Is     S_OK while streaming inside an envelope segment of P, else S_FALSE. [any thread]
 #define TERVAN_PARAM_SLOTS(P, Value)                          \
   virtual HRESULT STDMETHODCALLTYPE Get##P(Value* value) = 0; \

@@ -6,7 +6,8 @@
 
 namespace tervan {
 
-// Source: SettingsSource<Settings>, or an effect's extension of it.
+// Source: SettingsSource<Settings>, or an effect's extension of it. An effect may put its own operations before those
+// of the base: all callers know the effect's class.
 template <typename Settings, typename Source = SettingsSource<Settings>>
 class RecordControl : public AutomatedControl, public Source {
  public:

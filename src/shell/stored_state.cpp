@@ -1,7 +1,7 @@
 #include "shell/stored_state.h"
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
 #include <cstring>
 
 #include "shell/effect.h"
@@ -16,6 +16,12 @@ struct Header {
 };
 #pragma pack(pop)
 static_assert(sizeof(Header) == kHeaderBytes);
+
+// Room for any effect's record, aligned as its fields are.
+struct RecordBuffer {
+  std::byte* data() { return bytes; }
+  alignas(std::max_align_t) std::byte bytes[kMaxRecordBytes] = {};
+};
 
 const StoredForm* FindForm(const StoredState& stored, const Header& header) {
   const StoredForm& current = stored.forms.front();
@@ -40,7 +46,7 @@ LoadResult LoadBody(Effect& effect, ByteStream& stream) {
   const StoredForm* const form = FindForm(stored, header);
   if (!form) return {E_FAIL, false};
 
-  std::array<std::byte, kMaxRecordBytes> record{};
+  RecordBuffer record;
   effect.GetRecord(record.data());  // what a short body does not reach stays as it is
   const HRESULT body_result = stream.Read(record.data(), form->body_bytes);
   if (FAILED(body_result)) return {body_result, true};
@@ -69,7 +75,7 @@ HRESULT SaveState(Effect& effect, ByteStream& stream, bool clear_dirty) {
   const Header header{current.size_field, *current.tag};
   // Taken before the settings are read: what changes while the host's stream is written to is still to be saved.
   const bool was_dirty = clear_dirty && effect.control().TakeDirty();
-  std::array<std::byte, kMaxRecordBytes> record{};
+  RecordBuffer record;
   effect.GetRecord(record.data());
   HRESULT result = stream.Write(&header, sizeof header);
   if (SUCCEEDED(result)) result = stream.Write(record.data(), stored.record_bytes);

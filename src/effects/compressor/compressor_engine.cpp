@@ -16,13 +16,13 @@ constexpr double kGainLimit = 1e6;
 
 }  // namespace
 
-void CompressorEngine::Design(const CompressorSettings& settings, ProcessMode keep_state) {
+void CompressorEngine::Design(const CompressorSettings& settings, ProcessMode mode) {
   coefficients_ = DesignCompressor(settings, format().nSamplesPerSec);
   state_.hold = 0.0;
   state_.hold_single = 0.0f;
   state_.reduction = 1.0;
   state_.valley = 0.0;
-  if (keep_state == ProcessMode::kDiscontinuity) {
+  if (mode == ProcessMode::kDiscontinuity) {
     state_.gain = coefficients_.start_gain;
     state_.low_pass = dynamics::kLowPassStart;
   }
@@ -88,7 +88,7 @@ template void CompressorEngine::Run<Pcm32Codec>(std::int32_t* data, std::uint32_
 template void CompressorEngine::Run<Float32Codec>(float* data, std::uint32_t frames);
 template void CompressorEngine::Run<Float64Codec>(double* data, std::uint32_t frames);
 
-bool CompressorEngine::Ends() {
+bool CompressorEngine::EndStream() {
   source().PublishMeters(kIdleMeters);
   return true;
 }

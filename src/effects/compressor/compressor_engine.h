@@ -29,13 +29,13 @@ class CompressorEngine final : public AutomatedEngine<CompressorEngine, Compress
   friend class AutomatedEngine<CompressorEngine, CompressorSettings, CompressorEngineOwner>;
 
   // The detector starts anew in any case.
-  void Design(const CompressorSettings& settings, ProcessMode keep_state);
+  void Design(const CompressorSettings& settings, ProcessMode mode);
 
   // 32-bit floats are metered only while the filter is watched.
   template <typename Codec>
   void Run(typename Codec::Sample* data, std::uint32_t frames);
 
-  bool Ends();
+  bool EndStream();
 
   template <typename Codec>
   void RunMetered(typename Codec::Sample* data, std::uint32_t frames, bool untouched);

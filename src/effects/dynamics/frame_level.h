@@ -22,7 +22,8 @@ struct ValleyFilter {
   double feedback;
 };
 
-// Levels above are taken for 0: infinities and NaNs must not enter a state, nor may what is left overflow there.
+// Larger levels, infinities and NaNs count as 0, so that neither a state nor what is computed from it can leave the
+// range.
 template <typename Sample>
 inline constexpr double kLevelLimit = std::is_same_v<Sample, float> ? 1e37 : 1e300;
 

@@ -10,8 +10,9 @@ HRESULT EqControl::GetSettings(EqSettings* settings) const {
 }
 
 HRESULT EqControl::SetSettings(const EqSettings* settings) {
-  const HRESULT result = RecordControl::SetSettings(settings);
-  return FAILED(result) ? result : SetSelectedBand(settings->selected_band);
+  if (!settings) return E_POINTER;
+  SetSelectedBand(settings->selected_band);  // before the settings are marked as modified: a save takes both
+  return RecordControl::SetSettings(settings);
 }
 
 HRESULT EqControl::SetParam(std::uint32_t index, float value) {

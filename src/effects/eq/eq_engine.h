@@ -21,7 +21,7 @@ class EqEngine final : public AutomatedEngine<EqEngine, EqSettings> {
  public:
   using AutomatedEngine::AutomatedEngine;
 
-  // Another format than before clears the states.
+  // Another rate or channel count than before clears the states.
   void SetFormat(const StreamFormat& format);
 
   // Clears the states.
@@ -32,13 +32,13 @@ class EqEngine final : public AutomatedEngine<EqEngine, EqSettings> {
 
   // Bands that take part fill the slots in their order. States are kept in either mode, and cleared when no band is
   // left.
-  void Design(const EqSettings& settings, ProcessMode keep_state);
+  void Design(const EqSettings& settings, ProcessMode mode);
 
   template <typename Codec>
   void Run(typename Codec::Sample* data, std::uint32_t frames);
 
   // The tail has died away.
-  bool Ends() const { return quiet_; }
+  bool EndStream() const { return quiet_; }
 
   template <typename Codec, std::size_t kChannels>
   void RunSlot(std::size_t slot, typename Codec::Sample* data, std::uint32_t frames);

@@ -14,7 +14,7 @@ class EqFilter final : public EffectFilter<IEqSettings, EqSettings, EqEffect, kE
  public:
   using EffectFilter::EffectFilter;
 
-#define TERVAN_BAND_SLOTS(Setting)                                                                        \
+#define TERVAN_FORWARD_BAND_SLOTS(Setting)                                                                \
   TERVAN_FORWARD_PARAM_SLOTS(Band1##Setting, INT32, control_, eq::ParamIndex(0, eq::BandRow::k##Setting)) \
   TERVAN_FORWARD_PARAM_SLOTS(Band2##Setting, INT32, control_, eq::ParamIndex(1, eq::BandRow::k##Setting)) \
   TERVAN_FORWARD_PARAM_SLOTS(Band3##Setting, INT32, control_, eq::ParamIndex(2, eq::BandRow::k##Setting)) \
@@ -22,13 +22,13 @@ class EqFilter final : public EffectFilter<IEqSettings, EqSettings, EqEffect, kE
   STDMETHODIMP GetBand##Setting(int* value, int band) override {                                          \
     return control_.GetBand(value, band, eq::BandRow::k##Setting);                                        \
   }
-  TERVAN_BAND_SLOTS(Gain)
-  TERVAN_BAND_SLOTS(Bandwidth)
-  TERVAN_BAND_SLOTS(Frequency)
-  TERVAN_BAND_SLOTS(Mode)
-  TERVAN_BAND_SLOTS(Rolloff)
-  TERVAN_BAND_SLOTS(Enable)
-#undef TERVAN_BAND_SLOTS
+  TERVAN_FORWARD_BAND_SLOTS(Gain)
+  TERVAN_FORWARD_BAND_SLOTS(Bandwidth)
+  TERVAN_FORWARD_BAND_SLOTS(Frequency)
+  TERVAN_FORWARD_BAND_SLOTS(Mode)
+  TERVAN_FORWARD_BAND_SLOTS(Rolloff)
+  TERVAN_FORWARD_BAND_SLOTS(Enable)
+#undef TERVAN_FORWARD_BAND_SLOTS
   TERVAN_FORWARD_PARAM_SLOTS(Bypass, INT32, control_, eq::kBypassParam)
 
   STDMETHODIMP GetSelectedBand(int* band) override { return control_.GetSelectedBand(band); }

@@ -91,7 +91,7 @@ inline constexpr StoredForm kForms[] = {{120, &kTag, 100, &kMissingFields}};
 
 // One row each:
 // clang-format off
-// name, {gains, bandwidths, frequencies, modes, rolloffs, enables, selected band, bypass}. Gains below -150 cut fully.
+// name, {gains, bandwidths, frequencies, modes, rolloffs, enables, selected band, bypass}. Gains of -150 and below cut fully.
 inline constexpr FactoryPreset<EqSettings> kPresets[] = {
     {"(Default)",
      {{0, 0, 0, 0}, {10, 10, 10, 10}, {100, 300, 1000, 5000}, {1, 2, 2, 3}, {2, 1, 1, 2}, {1, 1, 1, 1}, 0, 0}},

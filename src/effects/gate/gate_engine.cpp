@@ -26,7 +26,7 @@ void GateEngine::Start() {
   AutomatedEngine::Start();
 }
 
-void GateEngine::Design(const GateSettings& settings, ProcessMode keep_state) {
+void GateEngine::Design(const GateSettings& settings, ProcessMode mode) {
   const std::uint32_t sample_rate_hz = format().nSamplesPerSec;
   const double open_threshold = std::pow(10.0, settings.threshold_tenth_db * 0.005);
   coefficients_ = {.open_threshold = open_threshold,
@@ -37,7 +37,7 @@ void GateEngine::Design(const GateSettings& settings, ProcessMode keep_state) {
                    .bypass = settings.bypass != 0};
   lengths_ = {.window_frames = std::max(1u, LengthFrames(kWindow_s, sample_rate_hz)),
               .hold_frames = LengthFrames(kHold_s, sample_rate_hz)};
-  if (keep_state == ProcessMode::kDiscontinuity) {
+  if (mode == ProcessMode::kDiscontinuity) {
     state_.phase = gate::Phase::kClosed;
     state_.ramp_frames = 0.0;
     state_.held_frames = 0;

@@ -20,12 +20,12 @@ class GateEngine final : public AutomatedEngine<GateEngine, GateSettings> {
   friend class AutomatedEngine<GateEngine, GateSettings>;
 
   // Safe for any settings. A reset closes the gate; the level window runs on.
-  void Design(const GateSettings& settings, ProcessMode keep_state);
+  void Design(const GateSettings& settings, ProcessMode mode);
 
   template <typename Codec>
   void Run(typename Codec::Sample* data, std::uint32_t frames);
 
-  bool Ends() { return true; }
+  bool EndStream() const { return true; }
 
   gate::Coefficients coefficients_;
   gate::Lengths lengths_;
