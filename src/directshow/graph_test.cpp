@@ -20,13 +20,8 @@ struct Graph {
   HRESULT ConnectInput() { return builder->ConnectDirect(&source->pin, &filter->Input(), nullptr); }
   HRESULT ConnectOutput() { return builder->ConnectDirect(&filter->Output(), &sink->pin, nullptr); }
   void Connect(bool output_first) {
-    if (output_first) {
-      ASSERT_EQ(ConnectOutput(), S_OK);
-    }
-    ASSERT_EQ(ConnectInput(), S_OK);
-    if (!output_first) {
-      ASSERT_EQ(ConnectOutput(), S_OK);
-    }
+    EXPECT_EQ(output_first ? ConnectOutput() : ConnectInput(), S_OK);
+    EXPECT_EQ(output_first ? ConnectInput() : ConnectOutput(), S_OK);
   }
   void ReleaseGraph() {
     control.Reset();
@@ -59,38 +54,22 @@ TEST_F(GraphTest, StreamsToTheEndAndReportsIt) {
 
 // Every order of connecting, last state and order of tearing down, many times over.
 TEST_F(GraphTest, LeavesNothingBehindWhateverTheOrderOfTearingDown) {
-  enum Step { kRemoveSource, kRemoveFilter, kRemoveSink, kReleaseGraph };
   int rounds = 0;
   for (const bool output_first : {false, true}) {
     for (const bool read_only : {false, true}) {
       for (const FILTER_STATE state : {State_Stopped, State_Paused, State_Running}) {
-        std::array<Step, 4> steps = {kRemoveSource, kRemoveFilter, kRemoveSink, kReleaseGraph};
+        std::array<std::size_t, 4> steps = {0, 1, 2, 3};  // filters to remove; the last one is the graph itself
         do {
           SCOPED_TRACE(testing::Message() << "round " << rounds++);
           Graph graph({.own_allocator = read_only, .read_only = read_only}, {.blocks = rounds % 2 == 0});
           graph.Connect(output_first);
-          if (state == State_Paused) {
-            ASSERT_HRESULT_SUCCEEDED(graph.control->Pause());
-          }
-          if (state == State_Running) {
-            ASSERT_HRESULT_SUCCEEDED(graph.control->Run());
-          }
-          if (steps[0] != kReleaseGraph) {  // a graph that goes first has to stop its filters itself
-            ASSERT_HRESULT_SUCCEEDED(graph.control->Stop());
-          }
-          for (const Step step : steps) {
-            if (step == kReleaseGraph) graph.ReleaseGraph();
-            if (!graph.builder) break;
-            if (step == kRemoveSource) {
-              EXPECT_EQ(graph.builder->RemoveFilter(graph.source.Get()), S_OK);
-            }
-            if (step == kRemoveFilter) {
-              EXPECT_EQ(graph.builder->RemoveFilter(graph.filter.Get()), S_OK);
-            }
-            if (step == kRemoveSink) {
-              EXPECT_EQ(graph.builder->RemoveFilter(graph.sink.Get()), S_OK);
-            }
-          }
+          EXPECT_HRESULT_SUCCEEDED(state == State_Running ? graph.control->Run() : S_OK);
+          EXPECT_HRESULT_SUCCEEDED(state == State_Paused ? graph.control->Pause() : S_OK);
+          IBaseFilter* const filters[] = {graph.source.Get(), graph.filter.Get(), graph.sink.Get()};
+          // A graph that goes first has to stop its filters itself.
+          EXPECT_HRESULT_SUCCEEDED(steps[0] == 3 ? S_OK : graph.control->Stop());
+          for (std::size_t i = 0; steps[i] != 3; ++i) EXPECT_EQ(graph.builder->RemoveFilter(filters[steps[i]]), S_OK);
+          graph.ReleaseGraph();
           EXPECT_FALSE(graph.filter->Input().IsConnected());
           EXPECT_FALSE(graph.filter->Output().IsConnected());
           EXPECT_TRUE(graph.filter->IsStopped());
@@ -98,7 +77,6 @@ TEST_F(GraphTest, LeavesNothingBehindWhateverTheOrderOfTearingDown) {
       }
     }
   }
-  EXPECT_GE(rounds, 200);
 }
 
 TEST_F(GraphTest, RunsPausesSeeksAndStopsAgainAndAgain) {
@@ -113,9 +91,7 @@ TEST_F(GraphTest, RunsPausesSeeksAndStopsAgainAndAgain) {
     LONGLONG position = round;
     ASSERT_EQ(seeking->SetPositions(&position, AM_SEEKING_AbsolutePositioning, nullptr, 0), S_OK);
     ASSERT_HRESULT_SUCCEEDED(round % 2 == 0 ? graph.control->Run() : graph.control->Pause());
-    if (round % 5 == 0) {
-      ASSERT_TRUE(graph.sink->pin.ended.Wait());
-    }
+    EXPECT_TRUE(round % 5 != 0 || graph.sink->pin.ended.Wait());
     ASSERT_HRESULT_SUCCEEDED(graph.control->Stop());
     graph.sink->pin.ended.Reset();
   }

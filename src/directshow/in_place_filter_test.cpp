@@ -168,19 +168,18 @@ TEST_F(InPlaceFilterTest, UpstreamHearsHowEachSampleFared) {
   struct Case {
     const char* what;
     HRESULT transform, sink, upstream;
-    size_t received;
   };
-  const Case cases[] = {{"dropped", S_FALSE, S_OK, S_OK, 0},
-                        {"failed", E_POINTER, S_OK, E_POINTER, 0},
-                        {"refused downstream", S_OK, VFW_E_RUNTIME_ERROR, VFW_E_RUNTIME_ERROR, 0},
-                        {"downstream wants no more", S_OK, S_FALSE, S_FALSE, 0}};
+  const Case cases[] = {{"dropped", S_FALSE, S_OK, S_OK},
+                        {"failed", E_POINTER, S_OK, E_POINTER},
+                        {"refused downstream", S_OK, VFW_E_RUNTIME_ERROR, VFW_E_RUNTIME_ERROR},
+                        {"downstream wants no more", S_OK, S_FALSE, S_FALSE}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     Chain chain({}, {.answer = c.sink});
     chain.filter->transform_result = c.transform;
     chain.StreamToTheEnd();
     EXPECT_EQ(chain.source->pin.last_delivery, c.upstream);
-    EXPECT_EQ(chain.sink->pin.received.size(), c.received);
+    EXPECT_TRUE(chain.sink->pin.received.empty());
   }
 }
 
