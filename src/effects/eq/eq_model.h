@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
-#include <limits>
 #include <numbers>
 #include <random>
 #include <type_traits>
@@ -42,15 +41,14 @@ inline EqSection ModelBand(double f, double octaves, double G) {
   const double fh = std::min(f * r, 0.49);
   const double Wl = 2.0 * std::tan(std::numbers::pi * fl);
   const double Wh = 2.0 * std::tan(std::numbers::pi * fh);
-  const Complex p = -(Wh - Wl) / 2.0;
-  const Complex root = std::sqrt(1.0 - Wl * Wh / (p * p));
-  const Complex s1 = p * (1.0 + root);
-  const Complex s2 = p * (1.0 - root);
-  const Complex z1 = (2.0 + s1) / (2.0 - s1);
-  const Complex z2 = (2.0 + s2) / (2.0 - s2);
+  const double p = -(Wh - Wl) / 2.0;
+  const Complex root = std::sqrt(Complex(1.0 - Wl * Wh / (p * p)));
+  const auto digital = [](Complex s) { return (2.0 + s) / (2.0 - s); };
+  const Complex z1 = digital(p * (1.0 + root));
+  const Complex z2 = digital(p * (1.0 - root));
   const double c0 = (z1 + z2).real();
   const double c1 = -(z1 * z2).real();
-  const Complex z = std::exp(Complex(0.0, std::numbers::pi * (fl + fh)));
+  const Complex z = std::polar(1.0, std::numbers::pi * (fl + fh));
   const Complex H = (1.0 - 1.0 / (z * z)) / (1.0 - c0 / z - c1 / (z * z));
   return {EqMode::kBand, 1, c0, c1, (G - 1.0) / std::abs(H)};
 }
@@ -114,17 +112,10 @@ class EqModel {
   static double Guarded(double w) { return std::fabs(w) < std::ldexp(1.0, -32) ? 0.0 : w; }
 
   static double Next(const EqSection& s, Pair& p, double x) {
-    double w = 0.0;
-    double y = 0.0;
-    if (s.mode == EqMode::kBand) {
-      w = Guarded(s.c0 * p.w1 + s.c1 * p.w2 + s.gain * x);
-      y = x + w - p.w2;
-      p.w2 = p.w1;
-    } else {
-      w = Guarded(s.c0 * p.w1 + s.gain * x);
-      y = s.mode == EqMode::kLowShelf ? x + w + p.w1 : x + w - p.w1;
-    }
-    p.w1 = w;
+    const bool band = s.mode == EqMode::kBand;
+    const double w = Guarded(band ? s.c0 * p.w1 + s.c1 * p.w2 + s.gain * x : s.c0 * p.w1 + s.gain * x);
+    const double y = band ? x + w - p.w2 : s.mode == EqMode::kLowShelf ? x + w + p.w1 : x + w - p.w1;
+    p = {w, band ? p.w1 : p.w2};
     return y;
   }
 
@@ -137,8 +128,7 @@ class EqModel {
 
 // Settings in their ranges, but for one field in absurd_one_in, which no setter would accept; 0: none.
 inline EqSettings RandomEqSettings(std::mt19937& random, std::uint32_t absurd_one_in) {
-  using Limits = std::numeric_limits<std::int32_t>;
-  constexpr std::int32_t kAbsurd[] = {Limits::min(), Limits::max(), -100000, -250, -1, 0, 5, 99, 1000, 100000};
+  constexpr std::int32_t kAbsurd[] = {INT32_MIN, INT32_MAX, -100000, -250, -1, 0, 5, 99, 1000, 100000};
   const auto pick = [&](std::int32_t low, std::int32_t high) {
     if (absurd_one_in != 0 && random() % absurd_one_in == 0) return kAbsurd[random() % std::size(kAbsurd)];
     return low + static_cast<std::int32_t>(random() % static_cast<std::uint32_t>(high - low + 1));
@@ -147,7 +137,7 @@ inline EqSettings RandomEqSettings(std::mt19937& random, std::uint32_t absurd_on
   for (std::size_t k = 0; k < kEqBands; ++k) {
     settings.gain[k] = pick(-160, 150);
     settings.bandwidth[k] = pick(1, 40);
-    settings.frequency[k] = random() % 2 == 0 ? pick(20, 20000) : pick(20, 400);
+    settings.frequency[k] = pick(20, random() % 2 == 0 ? 400 : 20000);
     settings.mode[k] = pick(1, 3);
     settings.rolloff[k] = pick(1, 4);
     settings.enable[k] = pick(0, 2);
