@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <atomic>
 #include <functional>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -287,15 +286,9 @@ class SinkPin final : public InputPin {
     if (options_.only_own_allocator && allocator != own_.Get()) return E_FAIL;
     return InputPin::NotifyAllocator(allocator, read_only);
   }
-  HRESULT Run(REFERENCE_TIME) override {
-    ReportEnd(has_ended_, true);
-    return S_OK;
-  }
   HRESULT Inactive() override {
     release.Set();
     kept_.clear();
-    const std::lock_guard guard(end_lock_);
-    has_ended_ = is_running_ = false;
     return InputPin::Inactive();
   }
 
@@ -327,7 +320,6 @@ class SinkPin final : public InputPin {
   }
   HRESULT OnEndOfStream() override {
     ++ends_of_stream;
-    ReportEnd(true, is_running_);
     ended.Set();
     return S_OK;
   }
@@ -349,30 +341,14 @@ class SinkPin final : public InputPin {
   Event entered, release, ended;
 
  private:
-  // A graph expects the end of a stream only while it runs; a short stream ends earlier.
-  void ReportEnd(bool has_ended, bool is_running) {
-    const std::lock_guard guard(end_lock_);
-    has_ended_ = has_ended;
-    is_running_ = is_running;
-    if (has_ended && is_running) Filter().NotifyGraph(EC_COMPLETE, S_OK, 0);
-  }
-
   const SinkOptions options_;
   ComPtr<IMemAllocator> own_;
   std::vector<ComPtr<IMediaSample>> kept_;
-  std::mutex end_lock_;
-  std::atomic<bool> has_ended_ = false, is_running_ = false;
 };
 
-// A graph waits only for the end of those filters that call themselves renderers.
-class Sink final : public Implements<BaseFilter, IAMFilterMiscFlags> {
+class Sink final : public BaseFilter {
  public:
-  explicit Sink(const SinkOptions& options = {}) : Implements(nullptr, CLSID_NULL), pin(*this, options) {}
-  IUnknown* FindInterface(REFIID iid) noexcept override {
-    if (IsEqualGUID(iid, IID_IAMFilterMiscFlags)) return static_cast<IAMFilterMiscFlags*>(this);
-    return BaseFilter::FindInterface(iid);
-  }
-  STDMETHODIMP_(ULONG) GetMiscFlags() override { return AM_FILTER_MISC_FLAGS_IS_RENDERER; }
+  explicit Sink(const SinkOptions& options = {}) : BaseFilter(nullptr, CLSID_NULL), pin(*this, options) {}
   int PinCount() noexcept override { return 1; }
   BasePin* PinAt(int) noexcept override { return &pin; }
   SinkPin pin;
