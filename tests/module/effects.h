@@ -48,7 +48,7 @@ struct EffectRow {
   std::optional<int> set_by_host_code = {};  // posted after IMediaParams::SetParam
   bool told_of_failed_loads = false;
   std::size_t float_words = 0;  // so many words of the record are floats, those behind them integers
-  Settings loaded;              // unlike preset 0 in every word
+  Settings loaded;              // what a stored record brings
   std::vector<FormRow> forms;
   std::vector<ParamRow> params;
   std::vector<PresetRow> presets;
