@@ -1,11 +1,12 @@
 // What must hold in the stream of each effect.
 #include <gtest/gtest.h>
+#include <xmmintrin.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <limits>
 #include <memory>
 #include <random>
 #include <type_traits>
@@ -18,6 +19,7 @@
 #include "effects/gate/gate_effect.h"
 #include "shell/stream_processor.h"
 #include "testing/allocation_counter.h"
+#include "testing/engine_rig.h"
 #include "testing/fakes.h"
 #include "testing/programme.h"
 
@@ -91,6 +93,38 @@ TYPED_TEST(EffectStreaming, NothingIsAllocatedBetweenStartAndStop) {
   EXPECT_EQ(AllocationsOfThisThread(), before);
   floats = std::vector<float>(5);  // the counter does count
   EXPECT_EQ(AllocationsOfThisThread(), before + 1);
+}
+
+// A host may round otherwise, flush subnormals, and have exceptions that would end it.
+TYPED_TEST(EffectStreaming, TheHostsFloatingPointEnvironmentDoesNotMatter) {
+  constexpr unsigned kControlBits = 0xffc0;
+  constexpr unsigned kUnmasked = 0x1900;  // invalid, division by zero, overflow
+  constexpr unsigned kFlushing = 0x9fc0;
+  const unsigned usual = _mm_getcsr();
+  if constexpr (std::is_same_v<TypeParam, DitherEffect>) {
+    this->effect.settings_control().Set(dither::kType, 0);  // any noise is another one with every start
+  } else {
+    EXPECT_EQ(ApplyPreset(this->effect, 3), S_OK);
+  }
+  auto programme = testing::SamplesOf<float>(testing::Programme(6000, 2, 500, 3));
+  programme[1001] = std::numeric_limits<float>::signaling_NaN();
+  programme[2002] = std::numeric_limits<float>::infinity();
+  std::vector<float> expected;
+  for (const unsigned host :
+       {usual, _MM_ROUND_DOWN | kUnmasked, _MM_ROUND_UP | kFlushing, _MM_ROUND_TOWARD_ZERO | kUnmasked}) {
+    auto samples = programme;
+    _mm_setcsr(host);
+    this->processor.BeginStream(2, 44100);
+    this->processor.ProcessBuffer(samples.data(), 3000, false);
+    this->processor.Refresh(true);
+    this->Run(samples.data() + 6000, 3000 * 8, 0);
+    const unsigned after = _mm_getcsr();
+    _mm_setcsr(usual);
+    EXPECT_EQ(after & kControlBits, host & kControlBits);
+    if (expected.empty()) expected = samples;
+    EXPECT_TRUE(testing::SameBits(samples, expected)) << std::hex << host;
+  }
+  EXPECT_FALSE(testing::SameBits(expected, programme));
 }
 
 // Hosts load whatever their files hold. Outputs must stay finite, and a sanitizer sees the rest.

@@ -16,6 +16,7 @@ std::uint32_t FramesOf(std::uint32_t bytes, const StreamFormat& format) {
 }  // namespace
 
 void StreamProcessor::SetFormat(const StreamFormat& format) {
+  const FloatEnvironmentScope environment;
   format_ = format;
   effect_.control().SetFormat(format);
   effect_.SetFormat(format);
