@@ -102,17 +102,23 @@ TEST(EqEngine, StartAndAnotherFormatForgetWhatCameBefore) {
   }
 }
 
-// The flag is raised at every block while bursts die away; whenever it ends the stream, the host goes on without it.
+// The flag is raised at every block while bursts die away, now and then with all bands off; whenever it ends the
+// stream, the host goes on without it.
 TEST(EqEngine, StopFlagEndsTheStreamWhileTheStatesAreQuiet) {
   constexpr std::uint32_t kBlock = 50;
   std::mt19937 random(5);
   int ends[2] = {};
   for (std::uint32_t i = 0; i < 40; ++i) {
     const std::size_t channels = i % 2 + 1;
-    StartedEq started(RandomEqSettings(random, 0), channels, 44100);
+    const EqSettings settings = RandomEqSettings(random, 0);
+    StartedEq started(settings, channels, 44100);
     EqModel model(44100, channels);
-    model.Load(started.settings);
     for (std::uint32_t block = 0; block < 100; ++block) {
+      if (block % 5 == 0) {
+        started.settings = block % 20 == 15 ? kOff : settings;
+        started.engine.LoadParameters(started.settings, ProcessMode::kContinuous);
+        model.Load(started.settings);
+      }
       auto actual = SamplesOf<float>(Programme(kBlock, channels, 20, i + block / 20));
       auto expected = actual;
       const bool quiet = model.quiet();

@@ -140,7 +140,7 @@ inline EqSettings RandomEqSettings(std::mt19937& random, std::uint32_t absurd_on
     settings.frequency[k] = pick(20, random() % 2 == 0 ? 400 : 20000);
     settings.mode[k] = pick(1, 3);
     settings.rolloff[k] = pick(1, 4);
-    settings.enable[k] = pick(0, 2);
+    settings.enable[k] = pick(-1, 1);
   }
   return settings;
 }
