@@ -100,7 +100,25 @@ TYPED_TEST(EffectStreaming, TheHostsFloatingPointEnvironmentDoesNotMatter) {
   constexpr unsigned kControlBits = 0xffc0;
   constexpr unsigned kUnmasked = 0x1900;  // invalid, division by zero, overflow
   constexpr unsigned kFlushing = 0x9fc0;
-  const unsigned usual = _mm_getcsr();
+  struct Environment {
+    unsigned sse;
+    std::uint16_t x87;
+    void Set() const {
+      _mm_setcsr(sse);
+      asm volatile("fldcw %0" : : "m"(x87));
+    }
+    static Environment Current() {
+      Environment current{_mm_getcsr() & kControlBits, 0};
+      asm volatile("fnstcw %0" : "=m"(current.x87));
+      return current;
+    }
+    bool operator==(const Environment&) const = default;
+  };
+  const Environment usual = Environment::Current();
+  const Environment hosts[] = {usual,
+                               {_MM_ROUND_DOWN | kUnmasked, 0x0072},  // the x87 unit in single precision, unmasked
+                               {_MM_ROUND_UP | kFlushing, 0x027f},
+                               {_MM_ROUND_TOWARD_ZERO | kUnmasked, 0x0f7f}};
   if constexpr (std::is_same_v<TypeParam, DitherEffect>) {
     this->effect.settings_control().Set(dither::kType, 0);  // any noise is another one with every start
   } else {
@@ -110,19 +128,18 @@ TYPED_TEST(EffectStreaming, TheHostsFloatingPointEnvironmentDoesNotMatter) {
   programme[1001] = std::numeric_limits<float>::signaling_NaN();
   programme[2002] = std::numeric_limits<float>::infinity();
   std::vector<float> expected;
-  for (const unsigned host :
-       {usual, _MM_ROUND_DOWN | kUnmasked, _MM_ROUND_UP | kFlushing, _MM_ROUND_TOWARD_ZERO | kUnmasked}) {
+  for (const Environment& host : hosts) {
     auto samples = programme;
-    _mm_setcsr(host);
+    host.Set();
     this->processor.BeginStream(2, 44100);
     this->processor.ProcessBuffer(samples.data(), 3000, false);
     this->processor.Refresh(true);
     this->Run(samples.data() + 6000, 3000 * 8, 0);
-    const unsigned after = _mm_getcsr();
-    _mm_setcsr(usual);
-    EXPECT_EQ(after & kControlBits, host & kControlBits);
+    const Environment after = Environment::Current();
+    usual.Set();
+    EXPECT_EQ(after, host);
     if (expected.empty()) expected = samples;
-    EXPECT_TRUE(testing::SameBits(samples, expected)) << std::hex << host;
+    EXPECT_TRUE(testing::SameBits(samples, expected)) << std::hex << host.sse;
   }
   EXPECT_FALSE(testing::SameBits(expected, programme));
 }
