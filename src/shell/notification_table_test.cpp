@@ -45,15 +45,5 @@ TEST_F(NotificationTableTest, RegisteredWindowGetsItsNewIdAndLeavesWithZero) {
   EXPECT_FALSE(table.HasWindow());
 }
 
-TEST_F(NotificationTableTest, DestroyedWindowMakesRoomAtTheNextPost) {
-  table.SetWindow(Window(1), 11);
-  table.SetWindow(Window(2), 22);
-  poster.destroyed = {Window(1)};
-  EXPECT_EQ(table.SetWindow(Window(3), 33), E_OUTOFMEMORY);
-  table.Post(5);
-  EXPECT_THAT(poster.Take(), ElementsAre(Message{Window(2), 22, 5}));
-  EXPECT_EQ(table.SetWindow(Window(3), 33), S_OK);
-}
-
 }  // namespace
 }  // namespace tervan

@@ -1,10 +1,8 @@
 #include "shell/stored_state.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
 #include "effects/compressor/compressor_settings.h"
@@ -21,7 +19,6 @@ using tervan::testing::FakePoster;
 using tervan::testing::FakeStream;
 using tervan::testing::RecordingEffect;
 using tervan::testing::Window;
-using ::testing::ElementsAre;
 using Words = std::vector<std::uint32_t>;
 
 const Bytes kCompressorTag{0x9b, 0xf9, 0x00, 0xc4, 0x6e, 0x0c, 0x4c, 0x44,
@@ -53,32 +50,21 @@ struct Kind {
   std::uint32_t words;  // of the record
   std::span<const ParamDescriptor> table;
   StoredState stored;
-  PresetList presets;
   std::uint16_t code;
 };
 
-const Kind kCompressor{"compressor",
-                       60,
-                       kCompressorTag,
-                       10,
-                       compressor::kParams,
-                       {compressor::kForms, 40, LoadNotifies::kAfterBodyRead},
-                       ListOf(compressor::kPresets),
-                       32701};
-const Kind kGate{
-    "gate", 36, kCompressorTag, 4, gate::kParams, {gate::kForms, 16, LoadNotifies::kAlways}, ListOf(gate::kPresets),
-    100};
-const Kind kEq{
-    "EQ", 120, kEqTag, 26, eq::kParams, {eq::kForms, 104, LoadNotifies::kAfterBodyRead}, ListOf(eq::kPresets), 100};
-const Kind kDither{
-    "dither", 32, kDitherTag, 3, {}, {dither::kForms, 12, LoadNotifies::kAfterBodyRead}, ListOf(dither::kPresets), 100};
+const Kind kCompressor{
+    "compressor", 60, kCompressorTag, 10, compressor::kParams, {compressor::kForms, 40, LoadNotifies::kAfterBodyRead},
+    32701};
+const Kind kGate{"gate", 36, kCompressorTag, 4, gate::kParams, {gate::kForms, 16, LoadNotifies::kAlways}, 100};
+const Kind kEq{"EQ", 120, kEqTag, 26, eq::kParams, {eq::kForms, 104, LoadNotifies::kAfterBodyRead}, 100};
+const Kind kDither{"dither", 32, kDitherTag, 3, {}, {dither::kForms, 12, LoadNotifies::kAfterBodyRead}, 100};
 const Kind* const kKinds[] = {&kCompressor, &kGate, &kEq, &kDither};
 
 EffectTraits TraitsOf(const Kind& kind) {
   EffectTraits traits{};
   traits.settings_replaced_code = kind.code;
   traits.stored = kind.stored;
-  traits.presets = kind.presets;
   return traits;
 }
 
@@ -203,26 +189,6 @@ TEST(StoredState, OnlyACompleteSaveThatIsAskedToTakesTheModifiedFlagBack) {
     EXPECT_EQ(SaveState(rig.effect, stream, c.clear), c.failing_call < 0 ? S_OK : E_OUTOFMEMORY);
     EXPECT_EQ(rig.effect.control().IsDirty(), c.dirty_after);
     EXPECT_EQ(stream.bytes.size(), c.written);
-  }
-}
-
-TEST(Presets, EachAppliesItsRecordAndTellsTheWindows) {
-  for (const Kind* const kind : kKinds) {
-    for (std::size_t i = 0; i < kind->presets.count; ++i) {
-      SCOPED_TRACE(::testing::Message() << kind->name << ' ' << i);
-      Rig rig(*kind);
-      EXPECT_EQ(ApplyPreset(rig.effect, static_cast<std::int32_t>(i)), S_OK);
-      EXPECT_EQ(std::memcmp(rig.Get().data(), kind->presets.record(i), 4 * kind->words), 0);
-      EXPECT_EQ(rig.Notifications(), 1u);
-      EXPECT_TRUE(rig.effect.control().IsDirty());
-      EXPECT_TRUE(rig.effect.control().IsChanged());
-    }
-    Rig rig(*kind);
-    const auto count = static_cast<std::int32_t>(kind->presets.count);
-    for (const std::int32_t bad : {-1, count, INT32_MIN, INT32_MAX})
-      EXPECT_EQ(ApplyPreset(rig.effect, bad), E_INVALIDARG);
-    EXPECT_EQ(rig.Get(), Words(kind->words, 7));
-    EXPECT_EQ(rig.Notifications(), 0u);
   }
 }
 
