@@ -82,9 +82,10 @@ TEST_P(PersistTest, EveryChangeOfSettingsMakesTheFilterModified) {
       {"a value", [&] { filter.SetAt(first, first.max * first.scale); }, S_OK},
       {"the same value", [&] { filter.SetAt(first, first.max * first.scale); }, S_FALSE},
       {"a record, even the same", [&] { filter.Set(filter.Get()); }, S_OK},
-      {"the host's value", [&] { return filter.values && filter.values->SetParam(0, first.min); },
+      {"the host's value", [&] { return effect.has_automation && filter.values->SetParam(0, first.min); },
        effect.has_automation ? S_OK : S_FALSE},
-      {"the host's same value", [&] { return filter.values && filter.values->SetParam(0, first.min); }, S_FALSE},
+      {"the host's same value", [&] { return effect.has_automation && filter.values->SetParam(0, first.min); },
+       S_FALSE},
       {"a preset", [&] { filter.presets->ApplyPreset(2); }, S_OK},
       {"a load", [&] { filter.persist->Load(&stored); }, S_OK},
   };

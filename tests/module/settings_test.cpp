@@ -158,9 +158,9 @@ TEST_P(NotificationTest, EachKindOfChangePostsItsCode) {
   } rows[] = {
       {"the page's own value", [&] { filter.SetAt(first, first.max); }, {}},
       {"the page's own record", [&] { filter.Set(effect.audible); }, {}},
-      {"the host's value", [&] { return filter.values && filter.values->SetParam(0, first.max); },
+      {"the host's value", [&] { return effect.has_automation && filter.values->SetParam(0, first.max); },
        effect.set_by_host_code ? Commands{{kId, *effect.set_by_host_code}} : Commands{}},
-      {"the host's same value", [&] { return filter.values && filter.values->SetParam(0, first.max); }, {}},
+      {"the host's same value", [&] { return effect.has_automation && filter.values->SetParam(0, first.max); }, {}},
       {"a preset", [&] { filter.presets->ApplyPreset(2); }, {{kId, effect.replaced_code}}},
       {"start of streaming", [&] { filter.direct->BeginStream(2, 44100); },
        has_meters ? Commands{{kId, 32702}, {kId, 32703}} : Commands{}},

@@ -41,7 +41,7 @@ void SaveAndLoad(const Filter& filter) {
   SilentRecorder recorder;
   const auto site = Query<IParamRecorderSite>(filter.control.Get());
   for (int i = 0; i < kRounds; ++i) {
-    if (site) site->SetRecorder(i % 3 ? &recorder : nullptr);
+    if (filter.effect.has_automation) site->SetRecorder(i % 3 ? &recorder : nullptr);
     ComPtr<IStream> stream;
     ASSERT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()), S_OK);
     EXPECT_EQ(filter.presets->ApplyPreset(i % static_cast<int>(filter.effect.presets.size())), S_OK);
@@ -49,7 +49,7 @@ void SaveAndLoad(const Filter& filter) {
     ASSERT_EQ(stream->Seek({}, STREAM_SEEK_SET, nullptr), S_OK);
     EXPECT_EQ(filter.persist->Load(stream.Get()), S_OK);
   }
-  if (site) site->SetRecorder(nullptr);
+  if (filter.effect.has_automation) site->SetRecorder(nullptr);
   Sleep(50);  // another thread may still be in a call to it
   for (int waited_ms = 0; waited_ms < 10000 && InterlockedCompareExchange(&recorder.references, 0, 0) != 0; ++waited_ms)
     Sleep(1);
