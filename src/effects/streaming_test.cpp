@@ -105,7 +105,7 @@ TYPED_TEST(EffectStreaming, TheHostsFloatingPointEnvironmentDoesNotMatter) {
     std::uint16_t x87;
     void Set() const {
       _mm_setcsr(sse);
-      asm volatile("fldcw %0" : : "m"(x87));
+      asm volatile("fnclex\n\tfldcw %0" : : "m"(x87));
     }
     static Environment Current() {
       Environment current{_mm_getcsr() & kControlBits, 0};

@@ -21,10 +21,7 @@ class FloatEnvironmentScope {
   }
   ~FloatEnvironmentScope() {
     if (IsOther()) _mm_setcsr(caller_);
-    if (IsOtherX87()) {
-      asm volatile("fnclex");  // what our arithmetic raised must not reach a caller that unmasks it
-      SetX87(caller_x87_);
-    }
+    if (IsOtherX87()) SetX87(caller_x87_);
   }
   FloatEnvironmentScope(const FloatEnvironmentScope&) = delete;
   FloatEnvironmentScope& operator=(const FloatEnvironmentScope&) = delete;
@@ -36,7 +33,8 @@ class FloatEnvironmentScope {
 
   bool IsOther() const noexcept { return (caller_ & ~kStatusBits) != kExpected; }
   bool IsOtherX87() const noexcept { return caller_x87_ != kExpectedX87; }
-  static void SetX87(std::uint16_t control_word) noexcept { asm volatile("fldcw %0" : : "m"(control_word)); }
+  // An exception that was raised where it is masked strikes where it is not, so none is left behind.
+  static void SetX87(std::uint16_t control_word) noexcept { asm volatile("fnclex\n\tfldcw %0" : : "m"(control_word)); }
 
   const unsigned caller_;
   std::uint16_t caller_x87_;

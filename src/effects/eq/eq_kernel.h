@@ -18,7 +18,9 @@ struct StatePair {
   double older = 0.0;  // of bands; shelves leave it alone
 };
 
-inline constexpr double kStateLimit = 1e300;  // larger states come from samples that are not numbers, or lead there
+// Larger states come from samples that are not numbers or lead there, or from a slot whose sections change from chunk
+// to chunk.
+inline constexpr double kStateLimit = 1e30;
 
 // Coefficients and states of a pass in locals, and one frame of one channel.
 template <EqMode kMode>
