@@ -61,7 +61,8 @@ TEST_P(DirectTest, FlushTailAndAbsurdArguments) {
   IDirectBufferProcess& direct = *filter.direct;
   const std::vector<float> before(100, static_cast<float>(effect.level));
   std::vector<float> buffer = before;
-  EXPECT_HRESULT_SUCCEEDED(direct.ProcessBuffer(buffer.data(), 50, 0)) << "no stream has begun";
+  // No stream has begun: only the dither makes its engine there.
+  EXPECT_EQ(direct.ProcessBuffer(buffer.data(), 50, 0), effect.has_automation ? S_OK : E_OUTOFMEMORY);
   EXPECT_HRESULT_SUCCEEDED(direct.EndStream());
   for (const DWORD channels : {0u, 3u, 0x10001u}) {
     EXPECT_EQ(direct.BeginStream(channels, 44100), E_INVALIDARG) << channels;
