@@ -1,13 +1,10 @@
 #include "effects/dither/dither_effect.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <iterator>
-#include <numeric>
 #include <type_traits>
 #include <vector>
 
@@ -18,16 +15,11 @@
 #include "testing/programme.h"
 
 namespace tervan {
-
-static bool operator==(const DitherSettings& a, const DitherSettings& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
-
 namespace {
 
 using namespace tervan::testing;
 
 constinit std::uint32_t now_ms = 0;
-
-constexpr DitherSettings kLoud{0, 2, 0};  // noise of ±1 LSB at 8 bits
 
 DitherModel ModelOf(const DitherSettings& s) {
   constexpr std::uint32_t kBits[] = {8, 12, 16, 18, 20, 24, 32};
@@ -49,24 +41,6 @@ struct DitherEffectTest : ::testing::Test {
     const auto bytes = static_cast<std::uint32_t>(count * sizeof(Sample));
     SampleView view{samples, bytes, bytes, discontinuity};
     EXPECT_EQ(processor.Transform(view), S_OK);
-    EXPECT_EQ(view.length_bytes, bytes);
-  }
-  std::vector<std::int16_t> Streamed(const DitherSettings& settings, std::vector<std::int16_t> samples) {
-    Start<std::int16_t>(settings, 1);
-    Run(samples.data(), samples.size());
-    return samples;
-  }
-  DitherSettings Settings() const {
-    DitherSettings settings{};
-    EXPECT_EQ(control.GetSettings(&settings), S_OK);
-    return settings;
-  }
-  // Whether a change was noted since the last call.
-  bool TakeChange() {
-    DitherSettings settings{};
-    const bool changed = control.SnapshotSettings(&settings);
-    EXPECT_EQ(control.TakeDirty(), changed);
-    return changed;
   }
 
   FakePoster poster;
@@ -105,21 +79,8 @@ TYPED_TEST(DitherFormat, EqualsTheModelInEveryBit) {
   }
 }
 
-TEST_F(DitherEffectTest, WordLengthMeetsTheStreams) {
-  std::vector<std::int16_t> all(65536);
-  std::iota(all.begin(), all.end(), INT16_MIN);
-  for (const std::int32_t type : {0, 2, 5}) {
-    for (const int y : Streamed({0, type, 2}, all)) EXPECT_TRUE(y % 256 == 0 || y == 32767) << y;
-  }
-  for (const std::int32_t depth : {2, 3, 6}) EXPECT_EQ(Streamed({depth, 0, 0}, all), all);
-  // A quarter of this noise rounds to -1 LSB at 24 bits, which the stream truncates towards zero.
-  for (const int x : {0, 100, -100}) {
-    const auto y = Streamed({5, 2, 0}, std::vector(4000, static_cast<std::int16_t>(x)));
-    EXPECT_NEAR(std::accumulate(y.begin(), y.end(), 0.0) / 4000.0, x * 0.9975, x == 0 ? 0.0 : 0.05);
-  }
-}
-
 TEST_F(DitherEffectTest, NoiseStartsAnewWithSettingsAndBreaksOnly) {
+  static constexpr DitherSettings kLimits{0, 5, 2}, kBeyond{-1, 6, 3};
   const struct {
     const char* name;
     bool discontinuity, anew;
@@ -127,18 +88,24 @@ TEST_F(DitherEffectTest, NoiseStartsAnewWithSettingsAndBreaksOnly) {
   } kSteps[] = {
       {"a break before any data", true, false, nullptr},
       {"nothing", false, false, nullptr},
-      {"a setting as it is", false, false, [](DitherControl& c) { c.Set(dither::kType, kLoud.dither_type); }},
+      {"settings as they clamp", false, false,
+       [](DitherControl& c) {
+         for (const auto& field : dither::kFields) c.Set(field, kBeyond.*field.member);
+       }},
       {"a break", true, true, nullptr},
-      {"all settings as they are", false, true, [](DitherControl& c) { c.SetSettings(&kLoud); }},
-      {"both", true, true, [](DitherControl& c) { c.SetSettings(&kLoud); }},
+      {"all settings as they clamp", false, true, [](DitherControl& c) { c.SetSettings(&kBeyond); }},
+      {"both", true, true, [](DitherControl& c) { c.SetSettings(&kBeyond); }},
       {"nothing again", false, false, nullptr},
+      {"a setting and back", false, true, [](DitherControl& c) { c.Set(dither::kDepth, 1), c.Set(dither::kDepth, 0); }},
   };
-  Start<std::int16_t>(kLoud, 2);
-  DitherModel model = ModelOf(kLoud);
+  Start<std::int16_t>(kLimits, 2);
+  control.TakeDirty();
+  DitherModel model = ModelOf(kLimits);
   for (const auto& step : kSteps) {
     ++now_ms;
     if (step.change) step.change(control);
-    if (step.anew) model = ModelOf(kLoud);
+    EXPECT_EQ(control.TakeDirty(), step.change && step.anew) << step.name;
+    if (step.anew) model = ModelOf(kLimits);
     std::vector<std::int16_t> actual(200), expected(200);
     Run(actual.data(), actual.size(), step.discontinuity);
     model.Process(expected.data(), 100, 2);
@@ -146,87 +113,18 @@ TEST_F(DitherEffectTest, NoiseStartsAnewWithSettingsAndBreaksOnly) {
   }
 }
 
-TEST_F(DitherEffectTest, DirectBuffersStopAndRefresh) {
+TEST_F(DitherEffectTest, WithTheStopFlagAndWithoutAnEngineNothingIsTouched) {
   const std::vector<float> input(200, 0.3f);
-  auto actual = input, expected = input;
-  std::uint32_t frames = 100;
+  auto samples = input;
   EXPECT_EQ(processor.BeginStream(2, 44100), S_OK);
-  control.SetSettings(&kLoud);
-  EXPECT_EQ(processor.ProcessBuffer(actual.data(), 100, true), S_FALSE);
-  EXPECT_EQ(actual, input);
-  EXPECT_FALSE(processor.IsUnchanged());
-  EXPECT_EQ(processor.Refresh(false), S_OK);
-  EXPECT_TRUE(processor.IsUnchanged());
-  DitherModel model = ModelOf(kLoud);
-  for (const bool reset : {false, false, true}) {
-    ++now_ms;
-    EXPECT_EQ(processor.Refresh(reset), reset ? S_OK : S_FALSE);
-    if (reset) model = ModelOf(kLoud);
-    EXPECT_EQ(processor.ProcessBuffer((actual = input).data(), 100, false), S_OK);
-    model.Process((expected = input).data(), 100, 2);
-    EXPECT_EQ(actual, expected);
-    EXPECT_EQ(processor.GetTail(actual.data(), &(frames = 100)), S_FALSE);
-    EXPECT_EQ(frames, 0u);
-  }
-
-  EXPECT_EQ(processor.EndStream(), S_OK);  // no engine any more
-  EXPECT_EQ(processor.ProcessBuffer((actual = input).data(), 100, false), E_OUTOFMEMORY);
-  EXPECT_EQ(actual, input);
-  EXPECT_EQ(processor.Refresh(true), E_OUTOFMEMORY);
-  EXPECT_EQ(processor.Refresh(false), S_FALSE);
   control.MarkChanged();
-  EXPECT_EQ(processor.Refresh(false), E_OUTOFMEMORY);
-}
-
-TEST_F(DitherEffectTest, SettingsClampAndNoteChanges) {
-  EXPECT_TRUE(TakeChange());  // as it was made
-  EXPECT_EQ(Settings(), (DitherSettings{2, 1, 0}));
-  const struct {
-    const dither::Field& field;
-    std::int32_t value, stored;
-    bool changes;
-  } kSteps[] = {
-      {dither::kType, 9, 5, true},    {dither::kType, 5, 5, false},    {dither::kType, -3, 0, true},
-      {dither::kDepth, 7, 6, true},   {dither::kDepth, 100, 6, false}, {dither::kDepth, INT32_MIN, 0, true},
-      {dither::kShaping, 3, 2, true}, {dither::kShaping, -1, 0, true}, {dither::kShaping, -2, 0, false},
-  };
-  for (const auto& step : kSteps) {
-    std::int32_t stored = -1;
-    EXPECT_EQ(control.Set(step.field, step.value), S_OK);
-    EXPECT_EQ(control.Get(step.field, &stored), S_OK);
-    EXPECT_EQ(stored, step.stored);
-    EXPECT_EQ(TakeChange(), step.changes) << &step - kSteps;
-  }
-  const DitherSettings outside{-1, 7, 3};
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(control.SetSettings(&outside), S_OK);
-    EXPECT_EQ(Settings(), (DitherSettings{0, 5, 2}));
-    EXPECT_TRUE(TakeChange());
-  }
-  EXPECT_EQ(control.SetSettings(nullptr), E_POINTER);
-  EXPECT_EQ(control.GetSettings(nullptr), E_POINTER);
-  EXPECT_EQ(control.Get(dither::kType, nullptr), E_POINTER);
-  EXPECT_FALSE(TakeChange());
-}
-
-TEST_F(DitherEffectTest, PresetsAndRecord) {
-  constexpr DitherSettings kPresets[] = {{2, 1, 0}, {2, 1, 0}, {0, 3, 0}, {0, 4, 1}, {2, 3, 2}, {2, 4, 2}};
-  control.SetNotifyWindow(Window(1), 7);
-  for (std::int32_t i = 0; i < 6; ++i) {
-    EXPECT_EQ(ApplyPreset(effect, i), S_OK);
-    EXPECT_EQ(Settings(), kPresets[i]) << i;
-    EXPECT_THAT(poster.Take(), ::testing::ElementsAre(FakePoster::Message{Window(1), 7, 100}));
-  }
-  Bytes record{32,   0,    0,    0,    0xe4, 0xf3, 0x0d, 0x26, 0x77, 0xac, 0xd2, 0x11, 0x9e, 0x93, 0x00, 0xc0,
-               0x4f, 0x68, 0xbe, 0x44, 2,    0,    0,    0,    4,    0,    0,    0,    2,    0,    0,    0};
-  FakeStream saved;
-  EXPECT_EQ(SaveState(effect, saved, true), S_OK);
-  EXPECT_EQ(saved.bytes, record);
-  record[23] = 0x80;  // negative
-  record[24] = 7;
-  FakeStream stored(record);
-  EXPECT_EQ(LoadState(effect, stored), S_OK);
-  EXPECT_EQ(Settings(), (DitherSettings{0, 5, 2}));
+  EXPECT_EQ(processor.ProcessBuffer(samples.data(), 100, true), S_FALSE);
+  EXPECT_EQ(processor.Refresh(false), S_OK) << "what had changed";
+  EXPECT_EQ(processor.EndStream(), S_OK);  // and with it the engine
+  EXPECT_EQ(processor.ProcessBuffer(samples.data(), 100, false), E_OUTOFMEMORY);
+  EXPECT_EQ(processor.ProcessBuffer(samples.data(), 100, false), E_OUTOFMEMORY);
+  EXPECT_EQ(processor.Refresh(true), E_OUTOFMEMORY);
+  EXPECT_EQ(samples, input);
 }
 
 }  // namespace

@@ -7,47 +7,33 @@
 #include <cstdint>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "effects/dither/r250_generator.h"
 #include "testing/sample_model.h"
 
 namespace tervan::testing {
 
-// How a seed fills the register is the generator's own affair: the model takes the first 250 words of the sequence from
-// it and goes on by itself.
+// Takes words from the generator, which has a test of its own. Samples stay within the range of 32 bits, and errors
+// above what is forgotten between calls.
 class DitherModel {
  public:
   DitherModel(std::uint32_t bits, std::uint32_t type, std::uint32_t shaping, std::uint32_t seed)
       : scale_(std::exp2(bits - 1.0)), type_(type), shaping_(shaping) {
-    R250Generator generator;
-    generator.Seed(seed);
-    while (x_.size() < 250) x_.push_back(generator.Draw());
+    generator_.Seed(seed);
   }
 
-  // Integers frame by frame, floats channel by channel. Samples stay within the range of 32 bits.
+  // Integers frame by frame, floats channel by channel.
   template <typename Sample>
   void Process(Sample* samples, std::size_t frames, std::size_t channels) {
-    if constexpr (std::is_integral_v<Sample>) {
-      for (std::size_t i = 0; i < frames * channels; ++i) {
-        Quantise(samples[i], i % channels);
-        Flush(i % channels);
-      }
-    } else {
-      for (std::size_t c = 0; c < channels; ++c) {
-        for (std::size_t i = c; i < frames * channels; i += channels) Quantise(samples[i], c);
-        Flush(c);
-      }
+    for (std::size_t n = 0; n < frames * channels; ++n) {
+      const std::size_t i = std::is_integral_v<Sample> ? n : n % frames * channels + n / frames;
+      FromReal(Quantised(ToReal(samples[i]), i % channels), samples[i]);
     }
   }
 
  private:
-  std::uint32_t Draw() {
-    if (n_ == x_.size()) x_.push_back(x_[n_ - 250] ^ x_[n_ - 147]);
-    return x_[n_++];
-  }
-  double Uniform() { return static_cast<std::int32_t>(Draw()) / 2147483648.0; }
-  double Coarse() { return (Draw() & 0xFFFF) * (2.0 / 65535.0) - 1.0; }
+  double Uniform() { return static_cast<std::int32_t>(generator_.Draw()) / 2147483648.0; }
+  double Coarse() { return (generator_.Draw() & 0xFFFF) * (2.0 / 65535.0) - 1.0; }
 
   double Gaussian() {
     for (;;) {
@@ -85,20 +71,9 @@ class DitherModel {
     return q / scale_;
   }
 
-  template <typename Sample>
-  void Quantise(Sample& sample, std::size_t c) {
-    FromReal(Quantised(ToReal(sample), c), sample);
-  }
-
-  void Flush(std::size_t c) {
-    if (std::fabs(a_[c]) < 0x1p-32) a_[c] = 0.0;
-    if (std::fabs(b_[c]) < 0x1p-32) b_[c] = 0.0;
-  }
-
   double scale_;
   std::uint32_t type_, shaping_;
-  std::vector<std::uint32_t> x_;
-  std::size_t n_ = 0;
+  R250Generator generator_;
   double previous_ = 0.0;
   double a_[2] = {}, b_[2] = {};
 };

@@ -36,13 +36,14 @@ TEST(R250Generator, BitsAreEvenAndSeedsUnrelated) {
   for (const std::uint32_t seed : kSeeds) {
     SCOPED_TRACE(seed);
     const auto x = Sequence(seed);
-    EXPECT_EQ(Sequence(seed), x);
+    for (std::size_t n = 250; n < x.size(); ++n) ASSERT_EQ(x[n], x[n - 250] ^ x[n - 147]) << n;
     const std::vector<std::uint32_t> zeros(x.size());
     for (int bit = 0; bit < 32; ++bit) EXPECT_LT(Relation(x, zeros, 0, 1u << bit), 5.0) << bit;
-    for (const std::size_t lag : {1, 2, 3, 4, 103, 147, 250, 1000}) EXPECT_LT(Relation(x, x, lag), 5.0) << lag;
     for (const std::uint32_t other : kSeeds) {
       const auto y = Sequence(other);
-      for (std::size_t lag = other == seed ? 1 : 0; lag < 4; ++lag) EXPECT_LT(Relation(x, y, lag), 5.0) << other;
+      for (const std::size_t lag : {0, 1, 2, 3, 4, 103, 147, 250, 1000}) {
+        EXPECT_TRUE(Relation(x, y, lag) < 5.0 || (other == seed && lag == 0)) << other << ' ' << lag;
+      }
     }
     // Word 3 + 7 j of the register starts with j zeros and a one. The register follows from what is drawn first.
     std::uint32_t words[250];
