@@ -50,13 +50,6 @@ TEST(EqDesign, FollowsTheFormulas) {
   });
 }
 
-TEST(EqDesign, OctaveAroundOneKilohertz) {
-  const EqSettings settings{{120}, {10}, {1000}, {2}, {1}, {1}, 0, 0};
-  const EqSection section = Designed(settings, 0, 44100);
-  EXPECT_NEAR(section.c0, 1.8846997664443277, 1e-15);
-  EXPECT_NEAR(section.c1, -0.904008513244086, 1e-15);
-}
-
 // Poles inside the unit circle, whatever a stored record holds.
 TEST(EqDesign, IsStableForAbsurdRecordsAndRates) {
   constexpr std::uint32_t kRates[] = {0, 1, 44100, 768000, UINT32_MAX};
@@ -65,7 +58,7 @@ TEST(EqDesign, IsStableForAbsurdRecordsAndRates) {
     EXPECT_TRUE(section.stages >= 1 && section.stages <= kEqMaxStages);
     EXPECT_LT(std::fabs(section.c1), 1.0);
     EXPECT_LT(std::fabs(section.c0), 1.0 - section.c1);
-    EXPECT_TRUE(std::isfinite(section.gain));
+    EXPECT_LE(std::fabs(section.gain), 1e5);
   });
 }
 

@@ -7,7 +7,6 @@
 #include <complex>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <iterator>
 #include <limits>
 #include <numbers>
@@ -69,17 +68,6 @@ TYPED_TEST(EqFormat, SamplesEqualTheModelInEveryBit) {
   }
 }
 
-TYPED_TEST(EqFormat, WithoutABandAtWorkEveryBitStays) {
-  std::mt19937 random(4);
-  std::vector<TypeParam> input(4000);
-  std::vector<std::uint8_t> bytes(input.size() * sizeof(TypeParam));
-  std::generate(bytes.begin(), bytes.end(), random);  // numbers or not
-  std::memcpy(input.data(), bytes.data(), bytes.size());
-  for (const EqSettings& settings : {kOff, eq::kPresets[0].settings}) {
-    EXPECT_TRUE(SameBits(Equalised(settings, input, 2), input));
-  }
-}
-
 TEST(EqEngine, StartAndAnotherFormatForgetWhatCameBefore) {
   const auto input = Programme(3000, 2, 700, 0);
   const auto expected = Equalised(kFourBands, input, 2);
@@ -123,14 +111,10 @@ TEST(EqEngine, StopFlagEndsTheStreamWhileTheStatesAreQuiet) {
       auto expected = actual;
       const bool quiet = model.quiet();
       std::uint32_t frames = kBlock;
-      const HRESULT result = started.engine.ProcessFloat32(ProcessMode::kContinuous, actual.data(), &frames, true);
-      ASSERT_EQ(result, quiet ? S_FALSE : S_OK);
+      ASSERT_EQ(started.engine.ProcessFloat32(ProcessMode::kContinuous, actual.data(), &frames, true), quiet);
       ASSERT_EQ(frames, quiet ? 0 : kBlock);
       ASSERT_EQ(started.engine.loaded(), !quiet);
-      if (quiet) {
-        ASSERT_TRUE(SameBits(actual, expected));
-        RunAll(started.engine, actual, channels);
-      }
+      if (quiet) RunAll(started.engine, actual, channels);
       model.Process(expected.data(), kBlock);
       ASSERT_TRUE(SameBits(actual, expected));
       ++ends[quiet];
@@ -162,7 +146,7 @@ TEST(EqEngine, GainsAreThoseThatTheSettingsPromise) {
   const auto half_way = [&](double gain_db) { return std::sqrt((1.0 + db(2.0 * gain_db)) / 2.0); };
   const struct {
     std::int32_t mode, gain, frequency, rolloff;
-    double hz, gain_expected, tolerance;
+    double hz, expected, tolerance;
   } kRows[] = {
       {kLow, 60, 1000, 1, 0, db(6), 1e-9},
       {kLow, 60, 1000, 1, 1000, half_way(6), 1e-9},
@@ -173,26 +157,20 @@ TEST(EqEngine, GainsAreThoseThatTheSettingsPromise) {
       {kLow, 60, 100, 2, 0, db(7.5), 1e-6},  // cascades reach 1.25 times their setting
       {kHigh, 60, 5000, 3, kTop, db(7.5), 1e-6},
       {kLow, 60, 100, 4, 0, db(7.5), 1e-6},
-      {kLow, 60, 100, 4, kTop, 1, 1e-9},
       {kLow, -150, 300, 1, 0, 0, 1e-9},  // the full cut of a shelf: a high-pass,
       {kLow, -150, 300, 1, 300, std::sqrt(0.5), 1e-9},
-      {kLow, -150, 300, 1, kTop, 1, 1e-9},
-      {kHigh, -250, 3000, 4, kTop, 0, 1e-9},  // or a low-pass,
-      {kHigh, -250, 3000, 4, 0, 1, 1e-9},
+      {kHigh, -250, 3000, 4, kTop, 0, 1e-9},    // or a low-pass,
       {kLow, -150, 100, 2, 100, db(-3), 0.03},  // about 3 dB down at its corner
       {kLow, -150, 100, 3, 100, db(-3), 0.03},
       {kHigh, -150, 100, 4, 100, db(-3), 0.03},
       {kBand, 120, 1000, 4, 1000, db(12.09), 5e-3},  // 1 at the mean of the edges is a little more at the centre
-      {kBand, 120, 1000, 1, 0, 1, 1e-9},
-      {kBand, 120, 1000, 1, kTop, 1, 1e-9},
-      {kBand, -150, 1000, 1, 1000, 0.014, 1e-3},  // a notch
+      {kBand, 120, 1000, 1, 1000 / std::numbers::sqrt2, half_way(12.09), 5e-3},  // bandwidth: an octave
+      {kBand, 120, 1000, 1, 1000 * std::numbers::sqrt2, half_way(12.09), 5e-3},
       {kBand, -150, 1000, 1, 100, 1, 0.02},
   };
   for (const auto& row : kRows) {
-    SCOPED_TRACE(::testing::Message() << row.mode << ", " << row.gain << ", " << row.frequency << " Hz, " << row.rolloff
-                                      << ": at " << row.hz << " Hz");
     const EqSettings settings{{row.gain}, {10}, {row.frequency}, {row.mode}, {row.rolloff}, {1}, 0, 0};
-    EXPECT_NEAR(GainAt(settings, row.hz), row.gain_expected, row.tolerance);
+    EXPECT_NEAR(GainAt(settings, row.hz), row.expected, row.tolerance) << "row " << &row - kRows;
   }
 }
 
@@ -208,6 +186,7 @@ TYPED_TEST(EqFloats, SamplesThatAreNotFiniteLeaveNoTrace) {
   for (const TypeParam bad : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity()}) {
     auto disturbed = input;
     for (const std::size_t frame : {0, 700, 701, 703, 2000}) disturbed[2 * frame] = bad;
+    EXPECT_TRUE(SameBits(Equalised(kOff, disturbed, 2), disturbed));
     const auto output = Equalised(kFourBands, disturbed, 2);
     for (std::size_t i = 0; i < output.size(); ++i) {
       ASSERT_EQ(std::isfinite(output[i]), std::isfinite(disturbed[i])) << i;
@@ -217,24 +196,6 @@ TYPED_TEST(EqFloats, SamplesThatAreNotFiniteLeaveNoTrace) {
         ASSERT_NEAR(output[i], undisturbed[i], 1e-7) << i;
       }
     }
-  }
-}
-
-TYPED_TEST(EqFloats, SilenceEndsInExactZerosWithoutSubnormals) {
-  auto data = SamplesOf<TypeParam>(Programme(2000, 2, 500, 0));
-  data.resize(40000);
-  data = Equalised(kFourBands, data, 2);
-  for (const TypeParam sample : data) ASSERT_NE(std::fpclassify(sample), FP_SUBNORMAL);
-  EXPECT_EQ(std::count(data.end() - 20000, data.end(), TypeParam{0}), 20000);
-}
-
-TEST(EqEngine, AbsurdGainsDoNotOverflowSinglePrecision) {
-  const std::vector<float> input = SamplesOf<float>(Programme(2000, 2, 500, 0));
-  for (const std::int32_t mode : {1, 2, 3}) {
-    const std::int32_t m = INT32_MAX;
-    const EqSettings settings{
-        {m, m, m, m}, {m, 1, 0, 9}, {m, 1, 0, 9}, {mode, mode, mode, 2}, {m, 4, 0, 9}, {1, 1, m, -1}, 0, 0};
-    for (const float sample : Equalised(settings, input, 2)) ASSERT_TRUE(std::isfinite(sample));
   }
 }
 

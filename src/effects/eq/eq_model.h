@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <complex>
 #include <cstddef>
@@ -75,7 +76,7 @@ class EqModel {
       const EqBandDesign band = DescribeBand(settings, k, rate_hz_);
       if (band.gain_db != 0.0) sections_.push_back(DesignSection(band));
     }
-    if (sections_.empty()) std::fill(std::begin(states_), std::end(states_), Channel{});
+    if (sections_.empty()) states_ = {};
   }
 
   template <typename Sample>
@@ -83,17 +84,13 @@ class EqModel {
     bool quiet = true;
     for (std::size_t c = 0; c < channels_; ++c) {
       for (std::size_t slot = 0; slot < sections_.size(); ++slot) {
-        const EqSection& section = sections_[slot];
-        Pair* const pairs = states_[c].slots[slot];
-        for (std::int32_t pass = 0; pass < section.stages; ++pass) {
-          pairs[0] = {Guarded(pairs[0].w1), Guarded(pairs[0].w2)};
-          for (std::size_t i = 0; i < frames; ++i) {
-            Sample& sample = data[i * channels_ + c];
-            FromReal(Next(section, pairs[0], ToReal(sample)), sample);
+        auto& stages = states_[c][slot];
+        for (std::int32_t pass = 0; pass < sections_[slot].stages; ++pass) {
+          for (std::size_t i = c; i < frames * channels_; i += channels_) {
+            FromReal(Next(sections_[slot], stages[static_cast<std::size_t>(pass)], ToReal(data[i])), data[i]);
           }
-          std::rotate(pairs, pairs + 1, pairs + section.stages);
         }
-        quiet = quiet && pairs[0].w1 <= 1e-5 && pairs[0].w2 <= 1e-5;
+        quiet = quiet && stages[0].w1 <= 1e-5 && stages[0].w2 <= 1e-5;
       }
     }
     if (std::is_same_v<Sample, float> && !sections_.empty()) quiet_ = quiet;
@@ -102,18 +99,14 @@ class EqModel {
   bool quiet() const { return quiet_; }
 
  private:
-  struct Pair {
+  struct State {
     double w1 = 0.0, w2 = 0.0;
   };
-  struct Channel {
-    Pair slots[kEqBands][4];
-  };
 
-  static double Guarded(double w) { return std::fabs(w) < std::ldexp(1.0, -32) ? 0.0 : w; }
-
-  static double Next(const EqSection& s, Pair& p, double x) {
+  static double Next(const EqSection& s, State& p, double x) {
     const bool band = s.mode == EqMode::kBand;
-    const double w = Guarded(band ? s.c0 * p.w1 + s.c1 * p.w2 + s.gain * x : s.c0 * p.w1 + s.gain * x);
+    double w = s.c0 * p.w1 + (band ? s.c1 * p.w2 : 0.0) + s.gain * x;
+    if (std::fabs(w) < std::ldexp(1.0, -32)) w = 0.0;
     const double y = band ? x + w - p.w2 : s.mode == EqMode::kLowShelf ? x + w + p.w1 : x + w - p.w1;
     p = {w, band ? p.w1 : p.w2};
     return y;
@@ -122,7 +115,7 @@ class EqModel {
   const std::uint32_t rate_hz_;
   const std::size_t channels_;
   std::vector<EqSection> sections_;
-  Channel states_[2];
+  std::array<std::array<std::array<State, 4>, kEqBands>, 2> states_{};
   bool quiet_ = true;
 };
 
