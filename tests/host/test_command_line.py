@@ -13,102 +13,42 @@ import wav
 
 DATA = wav.pack("float32", wav.tones(2000))
 GOOD = wav.riff(wav.fmt(), wav.chunk(b"data", DATA))
+RENDER = ("render", "in.wav", "out.wav")
 BYPASS = ("--effect", "compressor:bypass=on")
 
-
-BYPASS_PARAM = ("Bypass", "", "switch", 0, 1, 0)
-
-
-def band_params(band, frequency_hz, rolloff, mode):
-    return [
-        (f"Band{band} Frequency", "Hz", "float", 20, 20000, frequency_hz),
-        (f"Band{band} Gain", "dB", "float", -15, 15, 0),
-        (f"Band{band} Bandwidth", "octaves", "float", 0.1, 4, 1),
-        (f"Band{band} Rolloff", "dB/octave", "choice", 1, 4, rolloff, "6", "12", "18", "24"),
-        (f"Band{band} Mode", "", "choice", 1, 3, mode, "Low Shelf", "Band", "High Shelf"),
-        (f"Band{band} Enable", "", "switch", 0, 1, 1),
-    ]
-
-
-DITHER_TYPES = ("None", "Half Rectangular", "Rectangular", "Triangular", "Highpass Triangular", "Gaussian")
-
-# effect: class, control interface, number of presets, (label, unit, type, min, max, value in a new effect, items...)
-DESCRIPTIONS = {
-    "compressor": (
-        "{23C9F225-40EC-11D2-9D36-00C04F8EDC1E}",
-        "ICompressorSettings",
-        9,
-        [
-            ("Input Gain", "dB", "float", -60, 25, 0),
-            ("Output Gain", "dB", "float", -60, 25, 0),
-            ("Threshold", "dB", "float", -60, 0, 0),
-            ("Amount", "", "float", 1, 50, 1),
-            ("Attack Time", "ms", "float", 0, 500, 15),
-            ("Release Time", "ms", "float", 0, 5000, 250),
-            ("Auto Gain Compensation", "", "switch", 0, 1, 1),
-            ("Smooth Saturation", "", "switch", 0, 1, 0),
-            BYPASS_PARAM,
-        ],
-    ),
-    "eq": (
-        "{8CB69A0A-10E8-11D2-9B89-00104B8D13C2}",
-        "IEqSettings",
-        13,
-        [
-            *band_params(1, 100, 2, 1),
-            *band_params(2, 300, 1, 2),
-            *band_params(3, 1000, 1, 2),
-            *band_params(4, 5000, 2, 3),
-            BYPASS_PARAM,
-        ],
-    ),
-    "gate": (
-        "{869419DD-501F-11D3-8CDC-00C04F6B8E4C}",
-        "IGateSettings",
-        7,
-        [
-            ("Threshold level", "dB", "float", -80, 0, -80),
-            ("Attack time", "ms", "float", 0, 500, 3),
-            ("Release time", "ms", "float", 1, 5000, 100),
-            BYPASS_PARAM,
-        ],
-    ),
-    "dither": (
-        "{260DF3E1-AC77-11D2-9E93-00C04F68BE44}",
-        "IDitherSettings",
-        6,
-        [
-            ("Depth", "bits", "choice", 0, 6, 2, "8", "12", "16", "18", "20", "24", "32"),
-            ("Type", "", "choice", 0, 5, 1, *DITHER_TYPES),
-            ("Shaping", "", "choice", 0, 2, 0, "Off", "High-pass contour", "Equal loudness contour"),
-        ],
-    ),
+EFFECTS = {  # class, control interface, and how many parameters and presets
+    "compressor": ("{23C9F225-40EC-11D2-9D36-00C04F8EDC1E}", "ICompressorSettings", 9, 9),
+    "eq": ("{8CB69A0A-10E8-11D2-9B89-00104B8D13C2}", "IEqSettings", 25, 13),
+    "gate": ("{869419DD-501F-11D3-8CDC-00C04F6B8E4C}", "IGateSettings", 4, 7),
+    "dither": ("{260DF3E1-AC77-11D2-9E93-00C04F68BE44}", "IDitherSettings", 3, 6),
+}
+# One of each kind, by index: label, unit, type, min, max, value in a new effect, items.
+PARAMS = {
+    ("compressor", 6): ("Auto Gain Compensation", "", "switch", 0, 1, 1),
+    ("eq", 20): ("Band4 Bandwidth", "octaves", "float", 0.1, 4, 1),
+    ("eq", 22): ("Band4 Mode", "", "choice", 1, 3, 3, "Low Shelf", "Band", "High Shelf"),
+    ("gate", 0): ("Threshold level", "dB", "float", -80, 0, -80),
+    ("dither", 0): ("Depth", "bits", "choice", 0, 6, 2, "8", "12", "16", "18", "20", "24", "32"),
 }
 
 
-def test_list(host):
+def test_list_and_describe(host):
     effects = host.run("list", "--json").json()["effects"]
-    assert {effect["name"]: effect["clsid"] for effect in effects} == {
-        name: clsid for name, (clsid, *_) in DESCRIPTIONS.items()
-    }
+    assert {effect["name"]: effect["clsid"] for effect in effects} == {name: row[0] for name, row in EFFECTS.items()}
     assert [line.split()[0] for line in host.run("list").out.splitlines()] == [effect["name"] for effect in effects]
-
-
-@pytest.mark.parametrize("name", DESCRIPTIONS)
-def test_describe(host, name):
-    clsid, control_interface, presets, params = DESCRIPTIONS[name]
-    description = host.run("describe", name, "--json").json()
-    assert description["clsid"] == clsid
-    fields = ("label", "unit", "type", "min", "max", "value")
-    assert [(*(p[field] for field in fields), *p["items"]) for p in description["parameters"]] == params
-    assert description["presets"][:2] == ["(Default)", "Default all parameters"]
-    assert len(description["presets"]) == presets
-    names = {interface["name"] for interface in description["interfaces"]}
-    assert {control_interface, "IPersistStream", "IPluginPresets", "IDirectBufferProcess"} <= names
-    assert ("IMediaParams" in names) == all(p["curves"] for p in description["parameters"])
-    text = host.run("describe", name).out
-    for label, *_ in params:
-        assert label in text
+    for name, (clsid, control_interface, param_count, preset_count) in EFFECTS.items():
+        description = host.run("describe", name, "--json").json()
+        text = host.run("describe", name).out
+        params = description["parameters"]
+        assert (description["clsid"], len(params), len(description["presets"])) == (clsid, param_count, preset_count)
+        assert description["presets"][:2] == ["(Default)", "Default all parameters"]
+        names = {interface["name"] for interface in description["interfaces"]}
+        assert {control_interface, "IPersistStream", "IPluginPresets", "IDirectBufferProcess"} <= names
+        assert ("IMediaParams" in names) == all(param["curves"] for param in params)
+        for index, param in enumerate(params):
+            assert param["label"] in text
+            fields = [param[field] for field in ("label", "unit", "type", "min", "max", "value")]
+            assert (*fields, *param["items"]) == PARAMS.get((name, index), (*fields, *param["items"]))
 
 
 def test_version_and_help(host):
@@ -159,7 +99,7 @@ def test_several_inputs_go_to_the_pattern_and_a_bad_one_stops_no_other(host):
 def test_an_existing_output_is_replaced_only_by_force(host):
     host.write("in.wav", GOOD)
     host.write("out.wav", b"precious")
-    assert "--force" in host.refuse(2, "render", "in.wav", "out.wav", *BYPASS)
+    assert "--force" in host.refuse(2, *RENDER, *BYPASS)
     assert host.read("out.wav") == b"precious"
     host.render("in.wav", "out.wav", "--force", *BYPASS)
     assert wav.parse(host.read("out.wav")).data == DATA
@@ -199,25 +139,25 @@ BAD_FILES = {
 }
 
 
+def refuse_file(host, name, content, sentence, *arguments):
+    """Rendering must fail because of what is in this file, with its name, and leave nothing."""
+    host.write("in.wav", GOOD)
+    host.write(name, content)
+    message = host.refuse(2, *RENDER, *arguments)
+    assert sentence in message and f'"{name}"' in message
+    assert set(host.names()) == {"in.wav", name}
+
+
 @pytest.mark.parametrize("content, sentence", BAD_FILES.values(), ids=BAD_FILES.keys())
 def test_bad_input_files(host, content, sentence):
-    host.write("in.wav", content)
-    message = host.refuse(2, "render", "in.wav", "out.wav", *BYPASS)
-    assert sentence in message and '"in.wav"' in message
-    assert host.names() == ["in.wav"]
+    refuse_file(host, "in.wav", content, sentence, *BYPASS)
 
 
-@pytest.mark.parametrize(
-    "inputs, output",
-    [
-        ("absent.wav", "out.wav"),
-        ("folder", "out.wav"),
-        ("in.wav", "absent/out.wav"),
-        ("in.wav", "folder"),
-        ("in.wav", "in.wav/out.wav"),
-        ("in.wav", "out?.wav"),
-    ],
-)
+NO_INPUTS = [("absent.wav", "out.wav"), ("folder", "out.wav")]
+NO_OUTPUTS = [("in.wav", output) for output in ("absent/out.wav", "folder", "in.wav/out.wav", "out?.wav")]
+
+
+@pytest.mark.parametrize("inputs, output", NO_INPUTS + NO_OUTPUTS)
 def test_files_that_cannot_be_read_or_written(host, inputs, output):
     host.write("in.wav", GOOD)
     (host.folder / "folder").mkdir()
@@ -231,7 +171,7 @@ def test_an_output_beyond_4_gib_is_refused_at_once(host):
     header = wav.riff(wav.fmt("pcm24"), wav.chunk(b"data", b"", 0xFFFFFF00), size=0xFFFFFFF0)
     host.write("in.wav", header)
     os.truncate(host.folder / "in.wav", len(header) + 0xFFFFFF00)
-    assert "do not fit into a WAV file" in host.refuse(2, "render", "in.wav", "out.wav")
+    assert "do not fit into a WAV file" in host.refuse(2, *RENDER)
     assert host.names() == ["in.wav"]
 
 
@@ -239,7 +179,7 @@ def test_an_interrupted_rendering_leaves_nothing_behind(host):
     header = wav.riff(wav.fmt("pcm16"), wav.chunk(b"data", b"", 2**31), size=2**31)
     host.write("in.wav", header)
     os.truncate(host.folder / "in.wav", len(header) + 2**31)
-    program = host.start("render", "in.wav", "out.wav")
+    program = host.start(*RENDER)
     deadline = time.monotonic() + 60
     while host.names() == ["in.wav"] and time.monotonic() < deadline:
         time.sleep(0.05)
@@ -247,9 +187,6 @@ def test_an_interrupted_rendering_leaves_nothing_behind(host):
     program.send_signal(signal.SIGINT)
     assert program.wait(60) == 2
     assert host.names() == ["in.wav"]
-
-
-RENDER = ("render", "in.wav", "out.wav")
 
 
 @pytest.mark.parametrize(
@@ -279,26 +216,20 @@ RENDER = ("render", "in.wav", "out.wav")
         ([*RENDER, "--effect", "compressor:preset=9"], "Soft Limiter"),
         ([*RENDER, "--effect", "compressor:preset=-1"], '"-1"'),
         ([*RENDER, "--effect", "compressor:preset=Loud"], "Soft Limiter"),
-        ([*RENDER, "--effect", "compressor:preset=1x"], '"1x"'),
         ([*RENDER, "--effect", "compressor:ratio=2"], "Amount"),
         ([*RENDER, "--effect", "compressor:a=2"], "could be Amount, Attack Time or Auto Gain Compensation"),
-        ([*RENDER, "--effect", "compressor:threshold=loud"], "-60 to 0 dB"),
         ([*RENDER, "--effect", "compressor:threshold=0.001"], "-60 to 0 dB"),
         ([*RENDER, "--effect", "compressor:threshold=-60.001"], "-60 to 0 dB"),
         ([*RENDER, "--effect", "compressor:threshold=-1,5"], "-60 to 0 dB"),
         ([*RENDER, "--effect", "compressor:threshold=nan"], "-60 to 0 dB"),
-        ([*RENDER, "--effect", "compressor:amount=inf"], "1 to 50"),
         ([*RENDER, "--effect", "compressor:bypass=2"], "off or on"),
         ([*RENDER, "--effect", "compressor", "--effect", "compressor", "--save-state", "s"], "chain"),
         ([*RENDER, "--load-state", "s"], "single"),
         ([*RENDER, "--effect", "gate:preset=Noise gate"], '"Noise gate 1" or "Noise gate 2"'),
         ([*RENDER, "--effect", "eq:gain=3"], "Band1 Gain"),
         ([*RENDER, "--effect", "eq:band1.rolloff=2"], "6, 12, 18 or 24 dB/octave"),
-        ([*RENDER, "--effect", "eq:band1.mode=4"], "Low Shelf, Band or High Shelf"),
-        ([*RENDER, "--effect", "dither:depth=2"], "8, 12, 16, 18, 20, 24 or 32 bits"),
         ([*RENDER, "--effect", "dither:type=6"], "None, Half Rectangular, Rectangular"),
         ([*RENDER, "--effect", "dither:shaping=1.5"], "Off, High-pass contour or Equal loudness contour"),
-        ([*RENDER, "--effect", "dither:bypass=on"], "Depth, Type and Shaping"),
     ],
 )
 def test_wrong_command_lines(host, arguments, sentence):
@@ -323,40 +254,24 @@ def test_wrong_command_lines(host, arguments, sentence):
         (b"bypass,0,1,0,1,linear", "jump"),
         (b"threshold,0,1,0,-20,linear\nthreshold,0.9,2,0,0,jump", "overlaps"),
         (b"2.threshold,0,1,0,-20,linear", '"2.threshold"'),
-        (bytes(range(256)), "line 1"),
     ],
 )
 def test_bad_automation(host, content, sentence):
-    host.write("in.wav", GOOD)
-    host.write("a.csv", content)
-    message = host.refuse(2, *RENDER, "--effect", "compressor", "--automation", "a.csv")
-    assert sentence in message and '"a.csv"' in message
-    assert host.names() == ["a.csv", "in.wav"]
+    refuse_file(host, "a.csv", content, sentence, "--effect", "compressor", "--automation", "a.csv")
 
 
 def test_what_takes_no_curves_is_not_automated(host):
-    host.write("in.wav", GOOD)
-    host.write("a.csv", b"eq.band1.gain,0,1,0,6,linear\ndither.depth,0,1,8,8,jump")
-    message = host.refuse(2, *RENDER, "--effect", "eq", "--effect", "dither", "--automation", "a.csv")
-    assert "line 2" in message and "Depth of the dither" in message
+    content, sentence = b"eq.band1.gain,0,1,0,6,linear\ndither.depth,0,1,8,8,jump", "line 2: the Depth of the dither"
+    refuse_file(host, "a.csv", content, sentence, "--effect", "eq", "--effect", "dither", "--automation", "a.csv")
 
 
-@pytest.mark.parametrize(
-    "content",
-    [
-        b"",
-        b"words",
-        struct.pack("<I56x", 61),
-        struct.pack("<I16x36x", 60),
-        bytes.fromhex("3c0000009bf900c46e0c4c448f2098db216be56e") + b"\0" * 39,
-        b"\xff" * 60,
-    ],
-)
+COMPRESSOR_HEADER = bytes.fromhex("3c0000009bf900c46e0c4c448f2098db216be56e")
+UNTAGGED = struct.pack("<I56x", 60)
+
+
+@pytest.mark.parametrize("content", [b"", b"words", UNTAGGED, COMPRESSOR_HEADER + b"\0" * 39, b"\xff" * 60])
 def test_bad_stored_settings(host, content):
-    host.write("in.wav", GOOD)
-    host.write("state", content)
-    assert '"state"' in host.refuse(2, *RENDER, "--effect", "compressor", "--load-state", "state")
-    assert host.names() == ["in.wav", "state"]
+    refuse_file(host, "state", content, "", "--effect", "compressor", "--load-state", "state")
 
 
 def test_without_a_module(host):
