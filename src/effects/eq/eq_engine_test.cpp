@@ -108,6 +108,7 @@ TEST(EqEngine, StopFlagEndsTheStreamWhileTheStatesAreQuiet) {
         model.Load(started.settings);
       }
       auto actual = SamplesOf<float>(Programme(kBlock, channels, 20, i + block / 20));
+      for (std::size_t n = 0; i % 4 == 1 && n < actual.size(); n += 2) actual[n] = 0.0f;  // one channel sounds
       auto expected = actual;
       const bool quiet = model.quiet();
       std::uint32_t frames = kBlock;
