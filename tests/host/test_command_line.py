@@ -22,6 +22,7 @@ EFFECTS = {  # class, control interface, and how many parameters and presets
     "gate": ("{869419DD-501F-11D3-8CDC-00C04F6B8E4C}", "IGateSettings", 4, 7),
     "dither": ("{260DF3E1-AC77-11D2-9E93-00C04F68BE44}", "IDitherSettings", 3, 6),
 }
+DITHER_TYPES = ("None", "Half Rectangular", "Rectangular", "Triangular", "Highpass Triangular", "Gaussian")
 # One of each kind, by index: label, unit, type, min, max, value in a new effect, items.
 PARAMS = {
     ("compressor", 6): ("Auto Gain Compensation", "", "switch", 0, 1, 1),
@@ -29,6 +30,7 @@ PARAMS = {
     ("eq", 22): ("Band4 Mode", "", "choice", 1, 3, 3, "Low Shelf", "Band", "High Shelf"),
     ("gate", 0): ("Threshold level", "dB", "float", -80, 0, -80),
     ("dither", 0): ("Depth", "bits", "choice", 0, 6, 2, "8", "12", "16", "18", "20", "24", "32"),
+    ("dither", 1): ("Type", "", "choice", 0, 5, 1, *DITHER_TYPES),
 }
 
 
