@@ -1,21 +1,24 @@
 // Rounding to the nearest integer, ties to even. Within a FloatEnvironmentScope.
 #pragma once
 
-#include <emmintrin.h>
-
 #include <cstdint>
 #include <limits>
 
 namespace tervan {
 
-// Saturates; NaN becomes 0.
-inline std::int32_t RoundToInt32(double y) noexcept {
-  using Limits = std::numeric_limits<std::int32_t>;
-  if (!(y > Limits::min() && y < Limits::max())) [[unlikely]] {
-    if (y >= Limits::max()) return Limits::max();
-    return y <= Limits::min() ? Limits::min() : 0;
+// The integer that a signed 32-bit one can hold; beyond that it saturates. NaN becomes 0.
+//
+// Adding 1.5 × 2^52 leaves no bits for a fraction, so that the addition itself rounds. Error feedback waits for it less
+// long than for a conversion to an integer and back.
+inline double RoundedToInt32(double y) noexcept {
+  constexpr double kNoFraction = 0x1.8p52;
+  constexpr double kLow = std::numeric_limits<std::int32_t>::min();
+  constexpr double kHigh = std::numeric_limits<std::int32_t>::max();
+  if (!(y > kLow && y < kHigh)) [[unlikely]] {
+    if (y >= kHigh) return kHigh;
+    return y <= kLow ? kLow : 0.0;
   }
-  return _mm_cvtsd_si32(_mm_set_sd(y));
+  return (y + kNoFraction) - kNoFraction;
 }
 
 }  // namespace tervan

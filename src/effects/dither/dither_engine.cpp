@@ -107,7 +107,7 @@ void CLmDither::ProcessFlat(Sample* samples, std::uint32_t frames, std::uint32_t
     Sample* sample = samples + channel;
     for (std::uint32_t frame = 0; frame < frames; ++frame, sample += channels) {
       const double y = (static_cast<double>(*sample) + NextNoise()) * m_scale;
-      *sample = static_cast<Sample>(RoundToInt32(y) * m_inverseScale);
+      *sample = static_cast<Sample>(RoundedToInt32(y) * m_inverseScale);
     }
   }
 }
@@ -119,7 +119,7 @@ void CLmDither::ProcessFirstOrder(Sample* samples, std::uint32_t frames, std::ui
     double error = m_errorA[channel];
     for (std::uint32_t frame = 0; frame < frames; ++frame, sample += channels) {
       const double v = static_cast<double>(*sample) * m_scale - error;
-      const double q = RoundToInt32(v + NextNoise());
+      const double q = RoundedToInt32(v + NextNoise());
       error = Carried(q - v);
       *sample = static_cast<Sample>(q * m_inverseScale);
     }
@@ -135,7 +135,7 @@ void CLmDither::ProcessSecondOrder(Sample* samples, std::uint32_t frames, std::u
     double b = m_errorB[channel];
     for (std::uint32_t frame = 0; frame < frames; ++frame, sample += channels) {
       const double v = static_cast<double>(*sample) * m_scale - a + b;
-      const double q = RoundToInt32(v + NextNoise());
+      const double q = RoundedToInt32(v + NextNoise());
       b = k * a;
       a = Carried(q - v);
       *sample = static_cast<Sample>(q * m_inverseScale);
