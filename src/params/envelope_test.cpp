@@ -230,7 +230,7 @@ class PlainAutomation {
 // Random edits at random clocks. In order: lists as hosts should make them; otherwise anything goes.
 void CompareWithPlainAutomation(std::uint32_t seed, bool in_order) {
   std::mt19937 random(seed);
-  const auto below = [&](std::uint32_t n) { return random() % n; };
+  const auto below = [&](std::uint32_t n) { return static_cast<std::uint32_t>(random() % n); };
   const auto time = [&] {
     const std::uint32_t between_frames = below(4) == 0 ? below(kMs) : 0;
     return static_cast<std::int64_t>(below(200)) * kMs + between_frames;

@@ -25,7 +25,7 @@ struct AutomatedControlTest : ::testing::Test {
   }
   // "cd" changed and dirty, "c-", "--".
   static std::string Flags(OpenAutomatedControl& control) {
-    const std::string flags = {control.IsChanged() ? 'c' : '-', control.IsDirty() ? 'd' : '-'};
+    std::string flags = {control.IsChanged() ? 'c' : '-', control.IsDirty() ? 'd' : '-'};
     Settle(control);
     return flags;
   }

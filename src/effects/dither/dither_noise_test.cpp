@@ -69,7 +69,7 @@ TEST(DitherNoise, TotalErrorIsShaped) {
   const std::vector<double> kShapes[] = {{1.0}, {1.0, -1.0}, {1.0, -1.0, 0.75}, {1.0, -1.0, 0.5}};
   std::mt19937 random(1);
   std::vector<double> busy(2 * kFrames);  // so that rounding errors are even and unrelated
-  for (double& x : busy) x = random() * 0x1p-19;
+  for (double& x : busy) x = static_cast<double>(random()) * 0x1p-19;
   for (std::uint32_t type = 0; type < 6; ++type) {
     for (std::uint32_t shaping = 0; shaping < 4; ++shaping) {
       const std::vector<double>& shape = kShapes[shaping];

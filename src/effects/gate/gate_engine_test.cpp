@@ -139,7 +139,7 @@ TEST(GateEngine, AttackIsAStraightRampOrAStepThroughTheLowPass) {
   constexpr std::size_t kBegin = kLowPassSettles_frames + 1;  // the frame before decided
   const auto ramp = Gains({200, 100, -400, 0}, {{kLowPassSettles_frames, kSilent}, {12000, 0.5}});
   const auto step = Gains({0, 100, -400, 0}, {{kLowPassSettles_frames, kSilent}, {12000, 0.5}});
-  for (std::size_t n = 0; n < kAttack_frames; ++n) {
+  for (std::size_t n = 0; n < static_cast<std::size_t>(kAttack_frames); ++n) {
     const auto t = static_cast<double>(n);
     ASSERT_NEAR(step[kBegin + n], 1.0 - 0.5 * std::pow(kLowPassB, t) * (1.0 + kLowPassB), 1e-9) << n;
     if (n < kLowPassSettles_frames) continue;
