@@ -39,7 +39,6 @@ void GateEngine::Design(const GateSettings& settings, ProcessMode mode) {
               .hold_frames = LengthFrames(kHold_s, sample_rate_hz)};
   if (mode == ProcessMode::kDiscontinuity) {
     state_.phase = gate::Phase::kClosed;
-    state_.ramp_frames = 0.0;
     state_.held_frames = 0;
     state_.valley = 0.0;
     state_.low_pass = dynamics::kLowPassStart;

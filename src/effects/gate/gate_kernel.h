@@ -42,7 +42,7 @@ enum class Phase { kClosed, kAttack, kOpen, kHold, kRelease };
 // What the loop carries from frame to frame.
 struct State {
   Phase phase = Phase::kClosed;
-  double ramp_frames = 0.0;  // position in the attack's or the release's ramp
+  double ramp_frames = 0.0;  // position in the ramp; means something in attack and release only
   std::uint32_t held_frames = 0;
   std::uint32_t window_position = 0;  // frames
   double window_peak = 0.0;
@@ -78,7 +78,6 @@ inline double HoldGain(const Coefficients& c, const Lengths& lengths, double pea
 
 inline double ReleaseGain(const Coefficients& c, double peak, State& s) noexcept {
   if (!(s.ramp_frames < c.release_frames)) {
-    s.ramp_frames = 0.0;
     s.phase = Phase::kClosed;
     return 0.0;
   }
