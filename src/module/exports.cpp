@@ -6,6 +6,8 @@
 
 #include "module/class_factory.h"
 #include "module/self_registration.h"
+#include "ui/controls/control_classes.h"
+#include "ui/ui_library.h"
 
 namespace {
 
@@ -19,9 +21,15 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* /*reserved*/) {
   switch (reason) {
     case DLL_PROCESS_ATTACH:
       module_instance = instance;
+      tervan::ui::StartUi(instance);
+      tervan::ui::RegisterControls(instance);
       DisableThreadLibraryCalls(instance);
       break;
-    case DLL_PROCESS_DETACH: module_instance = nullptr; break;
+    case DLL_PROCESS_DETACH:
+      tervan::ui::UnregisterControls(instance);
+      tervan::ui::EndUi();
+      module_instance = nullptr;
+      break;
   }
   return TRUE;
 }

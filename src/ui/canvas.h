@@ -1,0 +1,53 @@
+// Drawing on 32-bit pixels in memory: what the platform's own drawing cannot do, smooth edges and gradients.
+#pragma once
+
+#include <cstdint>
+
+#include "ui/geometry.h"
+
+namespace tervan::ui {
+
+struct Colour {
+  std::uint8_t red;
+  std::uint8_t green;
+  std::uint8_t blue;
+  bool operator==(const Colour&) const = default;
+};
+
+// From one colour to the other: weight 0 to 256.
+Colour Mixed(Colour from, Colour to, int weight);
+
+enum class Direction { kAcross, kDown };
+
+// Everything is clipped to the pixels that there are; empty shapes draw nothing.
+class Canvas {
+ public:
+  // Rows of width pixels without gaps, the top one first; a pixel is 0x00RRGGBB. The pixels are the caller's.
+  Canvas(std::uint32_t* pixels, Size size) : pixels_(pixels), size_(size) {}
+
+  // For screens with few colours: mixed colours become patterns of the two that are mixed.
+  void SetFewColours(bool few_colours) { few_colours_ = few_colours; }
+
+  Size size() const { return size_; }
+  Colour PixelAt(Point p) const;
+
+  void Fill(Rect area, Colour colour);
+  // The first colour at the left or top edge, the second one at the other.
+  void FillGradient(Rect area, Colour first, Colour second, Direction direction);
+  // Corners of this radius, with smooth edges; filled from top to bottom.
+  void FillRounded(Rect area, int radius_px, Colour top, Colour bottom);
+  // A ring of this width inside the area.
+  void StrokeRounded(Rect area, int radius_px, int width_px, Colour colour);
+
+ private:
+  // How much of the pixel lies inside the rounded area, 0 to 256.
+  static int Coverage(Rect area, int radius_px, Point p);
+  void Blend(Point p, Colour colour, int weight);
+  Rect Clipped(Rect area) const;
+
+  std::uint32_t* pixels_;
+  Size size_;
+  bool few_colours_ = false;
+};
+
+}  // namespace tervan::ui

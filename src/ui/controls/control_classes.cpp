@@ -1,0 +1,31 @@
+#include "ui/controls/control_classes.h"
+
+#include "ui/control_window.h"
+
+namespace tervan::ui {
+namespace {
+
+// What follows from a class that is there; null: nothing.
+using AfterRegistration = void (*)();
+
+struct Row {
+  const ControlClass* control;
+  AfterRegistration registered;
+};
+
+// In the order of registration and of its undoing.
+constexpr std::initializer_list<Row> kClasses{};
+
+}  // namespace
+
+void RegisterControls(HINSTANCE module) {
+  for (const Row& row : kClasses) {
+    if (RegisterControlClass(module, *row.control) && row.registered) row.registered();
+  }
+}
+
+void UnregisterControls(HINSTANCE module) {
+  for (const Row& row : kClasses) UnregisterControlClass(module, *row.control);
+}
+
+}  // namespace tervan::ui

@@ -1,0 +1,20 @@
+// What all windows of the module share: where its resources lie, its fonts and its hand cursor.
+#pragma once
+
+#include <windows.h>
+
+namespace tervan::ui {
+
+// Called while the module is loaded and unloaded. Fonts and cursor are made when they are first asked for: a host that
+// shows no window does not pay for them.
+void StartUi(HINSTANCE module);
+void EndUi();
+
+HINSTANCE ResourceModule();
+
+// These belong to the library; null when the system is out of them. [window threads]
+HFONT TitleFont();
+HFONT SmallFont();
+HCURSOR HandCursor();
+
+}  // namespace tervan::ui
