@@ -5,6 +5,7 @@
 #include "directshow/com_ptr.h"
 #include "effects/compressor/compressor_filter.h"
 #include "effects/dither/dither_filter.h"
+#include "effects/dither/dither_page.h"
 #include "effects/eq/eq_filter.h"
 #include "effects/gate/gate_filter.h"
 
@@ -23,6 +24,7 @@ directshow::ComObject* Create(IUnknown* outer, HRESULT* result) {
 
 constexpr ClassTemplate kClasses[] = {
     {kDitherFilterName, &kDitherTraits.filter_clsid, Create<DitherFilter>, &kDitherFilterSetup},
+    {kDitherPageName, &kDitherTraits.page_clsid, Create<DitherPage>, nullptr},
     {kCompressorFilterName, &kCompressorTraits.filter_clsid, Create<CompressorFilter>, &kCompressorFilterSetup},
     {kEqFilterName, &kEqTraits.filter_clsid, Create<EqFilter>, &kEqFilterSetup},
     {kGateFilterName, &kGateTraits.filter_clsid, Create<GateFilter>, &kGateFilterSetup},

@@ -7,6 +7,7 @@
 #include "module/class_factory.h"
 #include "module/self_registration.h"
 #include "ui/controls/control_classes.h"
+#include "ui/pages/context_help.h"
 #include "ui/ui_library.h"
 
 namespace {
@@ -27,6 +28,7 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* /*reserved*/) {
       break;
     case DLL_PROCESS_DETACH:
       tervan::ui::UnregisterControls(instance);
+      tervan::ui::UnregisterHelpPopup();
       tervan::ui::EndUi();
       module_instance = nullptr;
       break;

@@ -60,6 +60,14 @@ void EndUi() {
 }
 
 HINSTANCE ResourceModule() { return resource_module; }
+
+// With length 0 a string is not copied: the answer is its address in the module.
+std::wstring ResourceText(UINT string_id) {
+  const wchar_t* text = nullptr;
+  const int length = LoadStringW(resource_module, string_id, reinterpret_cast<LPWSTR>(&text), 0);
+  return {text, static_cast<size_t>(length)};
+}
+
 HFONT TitleFont() { return title_font.Get(); }
 HFONT SmallFont() { return small_font.Get(); }
 

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 namespace tervan::ui {
 
 // Called while the module is loaded and unloaded. Fonts and cursor are made when they are first asked for: a host that
@@ -11,6 +13,7 @@ void StartUi(HINSTANCE module);
 void EndUi();
 
 HINSTANCE ResourceModule();
+std::wstring ResourceText(UINT string_id);  // empty when there is none
 
 // These belong to the library; null when the system is out of them. [window threads]
 HFONT TitleFont();

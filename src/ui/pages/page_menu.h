@@ -1,0 +1,17 @@
+// The popup menu of a page: the effect's presets, help, about.
+#pragma once
+
+#include <windows.h>
+
+#include <unknwn.h>
+
+namespace tervan::ui {
+
+// Opens at this point of the screen; with a negative coordinate, which means the keyboard, over the upper middle of the
+// page. The choice arrives at the page as WM_COMMAND. The page may be gone when this returns.
+void ShowPageMenu(HWND page, IUnknown* object, POINT at);
+
+// S_OK when the object took it; its presets are as the menu numbers them.
+void ApplyPresetOfCommand(IUnknown* object, int command_id);
+
+}  // namespace tervan::ui

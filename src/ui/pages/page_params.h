@@ -1,0 +1,64 @@
+// Pages of automated effects: parameters as slots of the control interface, and the bypass toggle.
+#pragma once
+
+#include "resources/ids.h"
+#include "ui/controls/logo_messages.h"
+#include "ui/pages/effect_page.h"
+
+namespace tervan::ui {
+
+// The slots of one parameter.
+template <class Control, class Value>
+struct ParamSlots {
+  HRESULT (STDMETHODCALLTYPE Control::*get)(Value* value);
+  HRESULT (STDMETHODCALLTYPE Control::*set)(Value value);
+  HRESULT (STDMETHODCALLTYPE Control::*begin_edit)();
+  HRESULT (STDMETHODCALLTYPE Control::*end_edit)();
+  HRESULT (STDMETHODCALLTYPE Control::*is_automated)();
+
+  Value Get(Control& control) const {
+    Value value{};
+    (control.*get)(&value);
+    return value;
+  }
+  bool IsAutomated(Control& control) const { return (control.*is_automated)() == S_OK; }
+  // One step of an action by hand. It may be in work already: beginning twice does no harm.
+  void Edit(Control& control, Value value, bool is_last_step) const {
+    (control.*begin_edit)();
+    (control.*set)(value);
+    if (is_last_step) (control.*end_edit)();
+  }
+};
+
+#define TERVAN_SLOTS_OF(Control, P) \
+  { &Control::Get##P, &Control::Set##P, &Control::Begin##P##Edit, &Control::End##P##Edit, &Control::Is##P##Automated }
+
+// A page whose effect can be bypassed and automated.
+template <class Control>
+class AutomatedPageFor : public EffectPageFor<Control> {
+ protected:
+  using EffectPageFor<Control>::EffectPageFor;
+
+  // The click on the toggle. While bypass is automated it does nothing.
+  void ToggleBypass() {
+    if (kBypass.IsAutomated(this->control())) return;
+    const bool is_bypassed = kBypass.Get(this->control()) == 0;
+    this->control().SetBypass(is_bypassed);
+    ShowBypass(is_bypassed);
+  }
+  // For the page's timer.
+  void FollowBypass() {
+    const int id = this->description().bypass_id;
+    this->Send(IDC_LOGO_STRIP, kLogoEnableItem, id, !kBypass.IsAutomated(this->control()));
+    ShowBypass(kBypass.Get(this->control()) != 0);
+  }
+
+ private:
+  static constexpr ParamSlots<Control, INT32> kBypass = TERVAN_SLOTS_OF(Control, Bypass);
+
+  void ShowBypass(bool is_bypassed) {
+    this->Send(IDC_LOGO_STRIP, kLogoSetState, this->description().bypass_id, is_bypassed);
+  }
+};
+
+}  // namespace tervan::ui
