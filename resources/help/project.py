@@ -7,8 +7,19 @@ from topic_pages import ROOT
 TITLE = "Tervan track effects"
 POPUP_STRING_BASE = 20000  # of string ids in the module: plus the help context
 
-# Left, top, right, bottom of the help window; its navigation pane, with contents, index and search, takes 240 pixels.
-WINDOW = f'main="{TITLE}","tervanfx.hhc","tervanfx.hhk","{ROOT}","{ROOT}",,,,,0x63520,240,0x304e,[80,60,1020,760],,,,,,,0'
+# The window: navigation pane with contents, index and full-text search, and a toolbar.
+TRI_PANE, FOLLOW_CONTENTS, SEARCH_TAB, TITLE_OF_PAGE, ADVANCED_SEARCH, USER_POSITION = (
+    1 << bit for bit in (5, 8, 10, 13, 17, 18)
+)
+EXPAND, BACK, FORWARD, HOME, OPTIONS, PRINT = (1 << bit for bit in (1, 2, 3, 6, 12, 13))
+STYLE = TRI_PANE | FOLLOW_CONTENTS | SEARCH_TAB | TITLE_OF_PAGE | ADVANCED_SEARCH | USER_POSITION
+BUTTONS = EXPAND | BACK | FORWARD | HOME | OPTIONS | PRINT
+NAVIGATION_PX = 240
+FRAME_PX = (80, 60, 1020, 760)  # left, top, right, bottom
+WINDOW = (
+    f'main="{TITLE}","tervanfx.hhc","tervanfx.hhk","{ROOT}","{ROOT}",,,,,'
+    f"{STYLE:#x},{NAVIGATION_PX},{BUTTONS:#x},[{','.join(map(str, FRAME_PX))}],,,,,,,0"
+)
 
 SITEMAP = '<!DOCTYPE HTML PUBLIC "-//IETF//DTD HTML//EN">\n<HTML><BODY>\n<UL>\n{}\n</UL>\n</BODY></HTML>\n'
 SITEMAP_ITEM = (
