@@ -96,4 +96,5 @@ def popup_strings(topics):
 
     controls = sorted((topic.context, topic.popup) for topic in topics.values() if topic.popup)
     lines = [f"  {POPUP_STRING_BASE + context}, {quoted(popup)}" for context, popup in controls]
-    return "\n".join(["// Texts of the context help, by help context. Written by build_help.py.", "STRINGTABLE", "{", *lines, "}", ""])
+    heading = "// Texts of the context help, by help context. Written by build_help.py."
+    return "\n".join([heading, "STRINGTABLE", "{", *lines, "}", ""])
