@@ -76,13 +76,13 @@
 #define IDS_DITHER_TYPE_FIRST 6020
 #define IDS_DITHER_SHAPING_FIRST 6030
 
-// Pictures of the logo strip, in two colourings
+// Pictures of the logo strip, in two colourings. Scaled to the strip's height both, picture and background join unseen.
 #define IDB_LOGO 24019
 #define IDB_LOGO_BACKGROUND 24020
 #define IDB_ALTERNATE_LOGO 24021
 #define IDB_ALTERNATE_LOGO_BACKGROUND 24022
 
-// The bypass toggle: off, on, pressed side by side
+// The bypass toggle: off, on, pressed side by side. Image lists keep their colours only with LR_CREATEDIBSECTION.
 #define IDB_BYPASS_DISABLED 5000
 #define IDB_BYPASS_HOT 5001
 #define IDB_BYPASS 5002
