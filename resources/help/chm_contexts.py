@@ -7,6 +7,7 @@ uncompressed, and the directory is told where.
 Source of the layout: P. Wise, J. Wing, "Unofficial (Preliminary) HTML Help Specification".
 """
 
+import re
 import struct
 import subprocess
 
@@ -46,10 +47,10 @@ def context_table(strings, pages):
     """pages: names by context."""
     entries = b""
     for context, page in sorted(pages.items()):
-        position = strings.find(b"/" + page.encode() + b"\0") + 1
-        if position == 0:
+        name = re.search(rb"(?<=[/\0])" + re.escape(page.encode()) + rb"\0", strings)
+        if not name:
             raise ChmError(f"the strings of the help file do not hold {page}")
-        entries += struct.pack("<II", context, position)
+        entries += struct.pack("<II", context, name.start())
     return struct.pack("<I", len(entries)) + entries
 
 
