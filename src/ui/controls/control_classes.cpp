@@ -1,6 +1,7 @@
 #include "ui/controls/control_classes.h"
 
 #include "ui/control_window.h"
+#include "ui/controls/logo_strip.h"
 
 namespace tervan::ui {
 namespace {
@@ -14,7 +15,9 @@ struct Row {
 };
 
 // In the order of registration and of its undoing.
-constexpr std::initializer_list<Row> kClasses{};
+constexpr std::initializer_list<Row> kClasses{
+    {&kLogoClass, ChooseLogoPictures},
+};
 
 }  // namespace
 

@@ -1,0 +1,320 @@
+#include "ui/controls/logo_strip.h"
+
+#include <oleacc.h>
+
+#include <algorithm>
+
+#include "resources/ids.h"
+#include "ui/controls/logo_messages.h"
+#include "ui/shared_information.h"
+#include "ui/ui_library.h"
+
+namespace tervan::ui {
+namespace {
+
+constexpr UINT_PTR kHoverTimer = 51;
+constexpr UINT kHoverPeriod_ms = 130;
+
+struct PictureNumbers {
+  int logo;
+  int background;
+};
+// By the shared locale; other locales have no pictures.
+constexpr PictureNumbers kPicturesOfLocale[] = {{IDB_LOGO, IDB_LOGO_BACKGROUND},
+                                                {IDB_ALTERNATE_LOGO, IDB_ALTERNATE_LOGO_BACKGROUND}};
+PictureNumbers chosen_pictures{};
+
+constexpr wchar_t kHelpMark[] = L"?";  // read aloud, it says nothing
+
+Point PointOf(LPARAM lparam) { return {static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))}; }
+
+std::wstring FromNarrow(const char* text) {
+  const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
+  std::wstring wide(std::max(length, 1), L'\0');
+  MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
+  wide.pop_back();
+  return wide;
+}
+
+}  // namespace
+
+const ControlClass kLogoClass{kLogoClassName, CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW,
+                              sizeof(void*),  IDC_ARROW,
+                              COLOR_WINDOW,   WindowProcOf<LogoStrip>};
+
+void ChooseLogoPictures() {
+  const DWORD locale = SharedLocale();
+  chosen_pictures = locale < std::size(kPicturesOfLocale) ? kPicturesOfLocale[locale] : PictureNumbers{};
+}
+
+LogoStrip::LogoStrip(HWND window, const CREATESTRUCTW&)
+    : ControlWindow(window),
+      pictures_{DibPicture::FromResource(ResourceModule(), chosen_pictures.logo),
+                DibPicture::FromResource(ResourceModule(), chosen_pictures.background)} {}
+
+LRESULT LogoStrip::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+  const int id = static_cast<int>(wparam);
+  switch (message) {
+    case kLogoRemoveItems: RemoveItems(); return 0;
+    case kLogoAddText: return AddText(LOWORD(wparam), reinterpret_cast<const char*>(lparam), HIWORD(wparam) != 0);
+    case kLogoSetMode: return mode_ = static_cast<DWORD>(wparam);
+    case kLogoAddButton: return AddButton(id, lparam != 0);
+    case kLogoSetImages:
+    case kLogoSetHotImages:
+    case kLogoSetDisabledImages: SetImages(message - kLogoSetImages, reinterpret_cast<HIMAGELIST>(wparam)); return 0;
+    case kLogoSetState: return ItemChanged(items_.SetState(id, lparam != 0));
+    case kLogoEnableItem: return ItemChanged(items_.Enable(id, lparam != 0));
+
+    case WM_PAINT: OnPaint(); return 0;
+    case WM_ERASEBKGND: return 1;
+    case WM_MOUSEMOVE: OnMove(PointOf(lparam)); return 0;
+    case WM_TIMER: OnTick(); return 0;
+    case WM_LBUTTONDOWN:
+    case WM_LBUTTONDBLCLK: OnPress(PointOf(lparam)); return 0;
+    case WM_LBUTTONUP: OnRelease(PointOf(lparam)); return 0;
+    case WM_CAPTURECHANGED: OnCaptureLost(); return 0;
+    case WM_SETCURSOR:
+      if (LOWORD(lparam) == HTCLIENT && OnSetCursor()) return TRUE;
+      break;
+    case WM_GETDLGCODE: return KeysWanted(reinterpret_cast<const MSG*>(lparam));
+    case WM_KEYDOWN:
+      if (OnKey(wparam)) return 0;
+      break;
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS: OnFocusChanged(message == WM_SETFOCUS); return 0;
+    case WM_DESTROY: StopHovering(); break;
+    case WM_SIZE: LayOut(); break;
+    case WM_ENABLE:
+    case WM_SYSCOLORCHANGE: Invalidate(); break;
+    case WM_SETTEXT: {
+      const LRESULT result = Default(message, wparam, lparam);
+      LayOut();
+      return result;
+    }
+    case WM_SETTINGCHANGE: LayOut(); break;
+  }
+  return Default(message, wparam, lparam);
+}
+
+void LogoStrip::RemoveItems() {
+  items_.Clear();
+  ItemsChanged();
+}
+
+LRESULT LogoStrip::AddText(int id, const char* text, bool redraw) {
+  if (!text) return 0;
+  items_.AddText(id, FromNarrow(text));
+  ItemsChanged();
+  if (redraw) UpdateWindow(window());
+  return 1;
+}
+
+LRESULT LogoStrip::AddButton(int id, bool is_on) {
+  items_.AddButton(id, is_on);
+  ItemsChanged();
+  return 1;
+}
+
+void LogoStrip::SetImages(int which, HIMAGELIST list) {
+  int width;
+  int height;
+  // The common controls answer FALSE for what is no image list; below 64 KiB there is nothing that they could look at.
+  const bool is_list = !IS_INTRESOURCE(list) && ImageList_GetIconSize(list, &width, &height);
+  if (is_list) ImageList_SetBkColor(list, kLogoBackground);
+  images_[which] = is_list ? list : nullptr;
+  LayOut();
+}
+
+LRESULT LogoStrip::ItemChanged(int item) {
+  if (item < 0) return 0;
+  Announce(EVENT_OBJECT_STATECHANGE, item + 1);
+  Invalidate();
+  return 1;
+}
+
+// A strip without items is nothing that the user could go to.
+void LogoStrip::ItemsChanged() {
+  pressed_ = hot_ = {};
+  focused_item_ = std::clamp(focused_item_, 0, std::max(items_.Count() - 1, 0));
+  const LONG style = GetWindowLongW(window(), GWL_STYLE);
+  const LONG wanted = items_.Count() != 0 ? style | WS_TABSTOP : style & ~WS_TABSTOP;
+  if (wanted != style) SetWindowLongW(window(), GWL_STYLE, wanted);
+  LayOut();
+  Announce(EVENT_OBJECT_REORDER);
+}
+
+void LogoStrip::LayOut() {
+  RECT client;
+  GetClientRect(window(), &client);
+  const WindowDc dc(window());
+  const SelectedObject font(dc.Get(), SmallFont());
+  const Size image_size = LogoImageSize(images_);
+  std::vector<LogoItemContent> contents;
+  for (const LogoItem& item : items_) {
+    SIZE text = {};
+    GetTextExtentPoint32W(dc.Get(), item.text.c_str(), static_cast<int>(item.text.size()), &text);
+    contents.push_back({item.is_text, item.is_text ? Size{text.cx, text.cy} : image_size});
+  }
+  layout_ = LayOutLogo({client.right, client.bottom}, pictures_.logo.size(), contents, ScreenDpi());
+  Invalidate();
+}
+
+void LogoStrip::OnPaint() {
+  const auto item_of = [](LogoHit hit) { return hit.part == LogoPart::kItem ? hit.item : -1; };
+  const LogoScene scene = {
+      .items = items_,
+      .layout = layout_,
+      .pictures = pictures_,
+      .images = images_,
+      .title = WindowText(window()),
+      .hot_item = item_of(hot_),
+      .pressed_item = item_of(pressed_),
+      .focused_item = GetFocus() == window() ? focused_item_ : -1,
+      .is_enabled = IsWindowEnabled(window()) != FALSE,
+      .dpi = ScreenDpi(),
+  };
+  PaintBuffered(window(), buffer_,
+                [&](HDC dc, Canvas& canvas, Rect client) { PaintLogo(dc, canvas, client, drawer_, scene); });
+}
+
+void LogoStrip::OnMove(Point point) {
+  if (!is_hovering_) is_hovering_ = SetTimer(window(), kHoverTimer, kHoverPeriod_ms, nullptr) != 0;
+  SetHot(HitLogo(layout_, point));
+}
+
+// The mouse leaves without a message.
+void LogoStrip::OnTick() {
+  POINT point;
+  const bool is_over = GetCursorPos(&point) && (WindowFromPoint(point) == window() || GetCapture() == window());
+  ScreenToClient(window(), &point);
+  if (is_over) return SetHot(HitLogo(layout_, {static_cast<int>(point.x), static_cast<int>(point.y)}));
+  StopHovering();
+  SetHot({});
+}
+
+void LogoStrip::StopHovering() {
+  KillTimer(window(), kHoverTimer);
+  is_hovering_ = false;
+}
+
+void LogoStrip::SetHot(LogoHit hot) {
+  if (hot == hot_) return;
+  hot_ = hot;
+  Invalidate();
+}
+
+bool LogoStrip::IsPressable(LogoHit hit) const {
+  return hit.part == LogoPart::kPicture || (hit.part == LogoPart::kItem && items_[hit.item].is_enabled);
+}
+
+void LogoStrip::OnPress(Point point) {
+  SetCapture(window());
+  const LogoHit hit = HitLogo(layout_, point);
+  SetHot(hit);
+  pressed_ = IsPressable(hit) ? hit : LogoHit{};
+  Invalidate();
+}
+
+void LogoStrip::OnRelease(Point point) {
+  const LogoHit pressed = pressed_;  // gone with the capture
+  if (GetCapture() == window()) ReleaseCapture();
+  if (!IsAlive() || pressed == LogoHit{} || HitLogo(layout_, point) != pressed) return;
+  Click(pressed);
+}
+
+void LogoStrip::OnCaptureLost() {
+  pressed_ = {};
+  Invalidate();
+}
+
+bool LogoStrip::OnSetCursor() const {
+  POINT point;
+  if (!GetCursorPos(&point)) return false;
+  ScreenToClient(window(), &point);
+  const LogoHit hit = HitLogo(layout_, {static_cast<int>(point.x), static_cast<int>(point.y)});
+  if (hit.part != LogoPart::kItem || !items_[hit.item].is_enabled) return false;
+  SetCursor(HandCursor());
+  return true;
+}
+
+// Enter is the dialog's unless an item has the focus.
+LRESULT LogoStrip::KeysWanted(const MSG* message) const {
+  if (items_.Count() == 0) return DLGC_STATIC;
+  const bool is_enter = message && message->wParam == VK_RETURN;
+  return DLGC_WANTARROWS | (is_enter ? DLGC_WANTALLKEYS : 0);
+}
+
+bool LogoStrip::OnKey(WPARAM key) {
+  switch (key) {
+    case VK_LEFT:
+    case VK_UP: MoveFocus(focused_item_ - 1); return true;
+    case VK_RIGHT:
+    case VK_DOWN: MoveFocus(focused_item_ + 1); return true;
+    case VK_HOME: MoveFocus(0); return true;
+    case VK_END: MoveFocus(items_.Count() - 1); return true;
+    case VK_SPACE:
+    case VK_RETURN: Command(focused_item_); return true;
+  }
+  return false;
+}
+
+void LogoStrip::MoveFocus(int item) {
+  if (item < 0 || item >= items_.Count() || item == focused_item_) return;
+  focused_item_ = item;
+  Invalidate();
+  Announce(EVENT_OBJECT_FOCUS, item + 1);
+}
+
+void LogoStrip::OnFocusChanged(bool has_focus) {
+  Invalidate();
+  if (has_focus && items_.Count() != 0) Announce(EVENT_OBJECT_FOCUS, focused_item_ + 1);
+}
+
+void LogoStrip::Click(LogoHit hit) {
+  if (hit.part == LogoPart::kItem) return Command(hit.item);
+  if (GetWindowTextLengthW(window()) == 0) {
+    PostMessageW(Parent(), kLogoPictureClicked, 0, 0);
+  } else if (mode_ != 0 && Id() >= 1) {
+    PostMessageW(Parent(), WM_COMMAND, MAKEWPARAM(Id(), 0), reinterpret_cast<LPARAM>(window()));
+  }
+}
+
+void LogoStrip::Command(int item) {
+  if (item >= items_.Count() || !items_[item].is_enabled || items_[item].id < 1) return;
+  PostMessageW(Parent(), WM_COMMAND, MAKEWPARAM(items_[item].id, 0), reinterpret_cast<LPARAM>(window()));
+}
+
+LONG LogoStrip::PartRole(int part) const {
+  if (part == 0) return ROLE_SYSTEM_TOOLBAR;
+  return items_[part - 1].is_text ? ROLE_SYSTEM_PUSHBUTTON : ROLE_SYSTEM_CHECKBUTTON;
+}
+
+std::wstring LogoStrip::PartName(int part) const {
+  if (part == 0) return PlainLabel(WindowText(window()).c_str());
+  const LogoItem& item = items_[part - 1];
+  if (item.text == kHelpMark) return L"Help";
+  return item.is_text ? item.text : L"Bypass";
+}
+
+LONG LogoStrip::PartState(int part) const {
+  LONG state = ControlWindow::PartState(part);
+  if (part == 0) return state;
+  const LogoItem& item = items_[part - 1];
+  if (part - 1 != focused_item_) state &= ~STATE_SYSTEM_FOCUSED;
+  if (!item.is_enabled) state |= STATE_SYSTEM_UNAVAILABLE;
+  if (item.is_on) state |= STATE_SYSTEM_CHECKED;
+  return state;
+}
+
+Rect LogoStrip::PartBounds(int part) const {
+  return part == 0 ? ControlWindow::PartBounds(part) : layout_.items[part - 1];
+}
+
+int LogoStrip::PartAt(Point client) const {
+  const LogoHit hit = HitLogo(layout_, client);
+  return hit.part == LogoPart::kItem ? hit.item + 1 : 0;
+}
+
+std::wstring LogoStrip::PartAction(int part) const { return part == 0 ? L"" : L"Press"; }
+
+}  // namespace tervan::ui
