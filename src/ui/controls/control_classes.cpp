@@ -2,6 +2,7 @@
 
 #include "ui/control_window.h"
 #include "ui/controls/logo_strip.h"
+#include "ui/controls/slider_control.h"
 
 namespace tervan::ui {
 namespace {
@@ -16,6 +17,8 @@ struct Row {
 
 // In the order of registration and of its undoing.
 constexpr std::initializer_list<Row> kClasses{
+    {&kFaderClass, nullptr},
+    {&kTrackbarClass, nullptr},
     {&kLogoClass, ChooseLogoPictures},
 };
 

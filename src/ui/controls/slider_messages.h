@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include "ui/controls/slider_scroll.h"
+
 namespace tervan::ui {
 
 inline constexpr wchar_t kTrackbarClassName[] = L"qvmodfx1Bld244TrackbarClass";
@@ -26,9 +28,10 @@ inline constexpr UINT kSliderSetMaximum = 0x60F;    // lParam
 inline constexpr UINT kSliderSetPosition = 0x610;   // wParam: redraw if the thumb moves; lParam: the position
 inline constexpr UINT kSliderSetDefault = 0x611;    // lParam: where a double click leads
 inline constexpr UINT kTrackbarGetMetrics = 0x61E;  // low word: track length; high word: start of the channel; pixels
-inline constexpr UINT kTrackbarSwitchFirst = 0x61F;
-inline constexpr UINT kTrackbarSwitchSecond = 0x620;
-inline constexpr UINT kSliderSetBackground = 0x627;  // lParam: a COLORREF
+// Drawing switches. wParam: redraw; lParam, bit 0: on. They answer -1 when they are on.
+inline constexpr UINT kTrackbarSetPlainChannel = 0x61F;  // nothing of the channel is filled
+inline constexpr UINT kTrackbarSetTicks = 0x620;         // marks beside the channel
+inline constexpr UINT kSliderSetBackground = 0x627;      // lParam: a COLORREF
 inline constexpr UINT kSliderGetBackground = 0x628;
 inline constexpr UINT kSliderSetUserData = 0x629;  // lParam, pointer-sized
 inline constexpr UINT kSliderGetUserData = 0x62A;
@@ -41,8 +44,6 @@ inline constexpr UINT kFaderGetNotifyFocus = 0x632;
 inline constexpr UINT kFaderSetNoRepaint = 0x633;  // lParam, bit 0: as kSliderNoRepaint
 inline constexpr UINT kFaderGetNoRepaint = 0x634;
 
-inline constexpr int kMaxThumbs = 2;
-
 // Everything about a fader at once.
 struct FaderSetUp {
   INT32 minimum;
@@ -53,20 +54,6 @@ struct FaderSetUp {
   DWORD style;       // kSlider... bits
   DWORD style_mask;  // which of them count
   INT32 positions[kMaxThumbs];
-};
-
-// What WM_HSCROLL and WM_VSCROLL tell in the low word. The high word is the position, for the thumb codes only.
-enum class ScrollCode {
-  kLineUp = 0,
-  kLineDown = 1,
-  kPageUp = 2,
-  kPageDown = 3,
-  kThumbPosition = 4,
-  kThumbTrack = 5,
-  kTop = 6,
-  kBottom = 7,
-  kEnd = 8,
-  kBegin = 9,  // of a mouse press or a wheel action
 };
 
 // WM_COMMAND codes with kSliderNotifyFocus.
