@@ -1,4 +1,4 @@
-// Numbers of the module's resources and commands, shared by resource scripts and C++: macros, because both can read them.
+// Numbers of the module's resources and commands, for resource scripts and C++: macros, because both can read them.
 #pragma once
 
 // Dialogs
@@ -76,7 +76,7 @@
 #define IDS_DITHER_TYPE_FIRST 6020
 #define IDS_DITHER_SHAPING_FIRST 6030
 
-// Pictures of the logo strip, in two colourings. Scaled to the strip's height both, picture and background join unseen.
+// Pictures of the logo strip, in two colourings
 #define IDB_LOGO 24019
 #define IDB_LOGO_BACKGROUND 24020
 #define IDB_ALTERNATE_LOGO 24021

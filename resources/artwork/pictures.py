@@ -13,11 +13,16 @@ KEY = (255, 0, 255)  # transparent in the image lists
 # --- The logo strip -------------------------------------------------------------------------------------------------
 
 STRIP_HEIGHT = 26  # 16 dialog units at 96 dpi
+BEVEL_HEIGHT = 4  # at the strip's top and bottom
 BACKGROUND_WIDTH = 8
-LOGO_WIDTH = 114
+# The strip stretches the background to its height and centres the logo as it is. What the logo lies on is one colour,
+# so that no seam shows at any height.
+LOGO_WIDTH, LOGO_HEIGHT = 114, STRIP_HEIGHT - 2 * BEVEL_HEIGHT
 
-GRAPHITE = {"edge": (110, 114, 119), "top": (76, 80, 85), "bottom": (47, 50, 54), "foot": (27, 29, 31)}
-NAVY = {"edge": (98, 114, 134), "top": (62, 78, 99), "bottom": (36, 47, 63), "foot": (20, 27, 37)}
+GRAPHITE = {
+    "edge": (112, 116, 121), "top": (78, 82, 87), "face": (58, 62, 66), "bottom": (42, 45, 48), "foot": (25, 27, 29)}
+NAVY = {
+    "edge": (100, 116, 136), "top": (66, 82, 103), "face": (47, 60, 79), "bottom": (33, 43, 58), "foot": (19, 25, 35)}
 TEAL = ((120, 226, 206), (24, 138, 132))
 AMBER = ((255, 210, 120), (226, 124, 30))
 LETTERS = ((255, 255, 255), (205, 210, 215))
@@ -38,11 +43,14 @@ WORD_MARK = (
 )
 
 
-def strip(width, shades):
-    canvas = Canvas(width, STRIP_HEIGHT)
-    canvas.fill(vertical_gradient((1, shades["top"]), (STRIP_HEIGHT - 1, shades["bottom"])))
-    canvas.paint(box(0, 0, width, 1), shades["edge"])
-    canvas.paint(box(0, STRIP_HEIGHT - 1, width, STRIP_HEIGHT), shades["foot"])
+def background(shades):
+    canvas = Canvas(BACKGROUND_WIDTH, STRIP_HEIGHT)
+    bevelled = vertical_gradient(
+        (1, shades["top"]), (BEVEL_HEIGHT, shades["face"]),
+        (STRIP_HEIGHT - BEVEL_HEIGHT, shades["face"]), (STRIP_HEIGHT - 1, shades["bottom"]))
+    canvas.fill(bevelled)
+    canvas.paint(box(0, 0, BACKGROUND_WIDTH, 1), shades["edge"])
+    canvas.paint(box(0, STRIP_HEIGHT - 1, BACKGROUND_WIDTH, STRIP_HEIGHT), shades["foot"])
     return canvas
 
 
@@ -53,11 +61,12 @@ def wave(x0, y0, radius):
 
 
 def logo(shades, emblem):
-    canvas = strip(LOGO_WIDTH, shades)
-    x0, y0, radius = 17, STRIP_HEIGHT / 2, 8
+    canvas = Canvas(LOGO_WIDTH, LOGO_HEIGHT)
+    canvas.fill(shades["face"])
+    x0, y0, radius = 17, LOGO_HEIGHT / 2, 8
     layers = without(circle(x0, y0, radius), union(wave(x0, y0 - 2.2, radius), wave(x0, y0 + 2.8, radius)))
     canvas.paint(layers, vertical_gradient((y0 - radius, emblem[0]), (y0 + radius, emblem[1])))
-    left, top = 32, (STRIP_HEIGHT - CAP_HEIGHT) / 2
+    left, top = 32, (LOGO_HEIGHT - CAP_HEIGHT) / 2
     for width, space, shapes in WORD_MARK:
         letter = common(moved(union(*shapes), left, top), box(left, top, left + width + 1, top + CAP_HEIGHT))
         area = (left - 1, top, left + width + 2, top + CAP_HEIGHT)
@@ -109,7 +118,7 @@ def toggle(face_tint, tint):
     canvas = Canvas(KEY_WIDTH * len(KEY_SHADES), KEY_HEIGHT)
     for index, shades in enumerate(KEY_SHADES):
         canvas.place(key(shades, face_tint, tint), index * KEY_WIDTH, 0)
-    return canvas.keyed(mix(GRAPHITE["top"], GRAPHITE["bottom"], 0.5), KEY)
+    return canvas.keyed(GRAPHITE["face"], KEY)
 
 
 # --- EQ nodes -------------------------------------------------------------------------------------------------------
@@ -158,9 +167,9 @@ def hand():
 
 PICTURES = {
     "logo.bmp": lambda: bitmap(logo(GRAPHITE, TEAL)),
-    "logo_background.bmp": lambda: bitmap(strip(BACKGROUND_WIDTH, GRAPHITE)),
+    "logo_background.bmp": lambda: bitmap(background(GRAPHITE)),
     "alternate_logo.bmp": lambda: bitmap(logo(NAVY, AMBER)),
-    "alternate_logo_background.bmp": lambda: bitmap(strip(BACKGROUND_WIDTH, NAVY)),
+    "alternate_logo_background.bmp": lambda: bitmap(background(NAVY)),
     "bypass.bmp": lambda: bitmap(toggle(*NORMAL)),
     "bypass_hot.bmp": lambda: bitmap(toggle(*HOT)),
     "bypass_disabled.bmp": lambda: bitmap(toggle(*DISABLED)),
