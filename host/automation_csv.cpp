@@ -132,4 +132,8 @@ std::vector<Envelope> ReadAutomation(const std::string& path, std::span<const Ef
   return reader.Take();
 }
 
+void Automate(std::span<EffectInstance> chain, std::span<const Envelope> envelopes) {
+  for (const Envelope& envelope : envelopes) chain[envelope.effect].Automate(envelope.param, envelope.segments);
+}
+
 }  // namespace tervan::host

@@ -29,4 +29,7 @@ struct Envelope {
 // Throws a Failure that names the file and the line.
 std::vector<Envelope> ReadAutomation(const std::string& path, std::span<const EffectInstance> chain);
 
+// Gives the effects their envelopes. Throws a Failure.
+void Automate(std::span<EffectInstance> chain, std::span<const Envelope> envelopes);
+
 }  // namespace tervan::host

@@ -1,12 +1,11 @@
 #include "host/effect_instance.h"
 
-#include <objidl.h>
-
 #include <array>
 #include <cstring>
 
 #include "host/failure.h"
 #include "host/file_handle.h"
+#include "host/memory_stream.h"
 #include "host/text.h"
 #include "shell/plugin_interfaces.h"
 
@@ -30,12 +29,6 @@ bool IsWholeState(const std::vector<std::uint8_t>& state) {
   if (state.size() < kStateHeaderBytes) return false;
   std::memcpy(&size, state.data(), sizeof size);
   return size <= state.size();
-}
-
-ComPtr<IStream> MemoryStream() {
-  ComPtr<IStream> stream;
-  Check(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()), "no memory for a stored state");
-  return stream;
 }
 
 }  // namespace
@@ -134,12 +127,7 @@ std::vector<std::uint8_t> EffectInstance::StoredState() const {
   const auto persist = As<IPersistStream>();
   const ComPtr<IStream> stream = MemoryStream();
   Check(persist ? persist->Save(stream.Get(), FALSE) : E_NOINTERFACE, "the effect does not store its settings");
-  STATSTG status{};
-  Check(stream->Stat(&status, STATFLAG_NONAME), "the stored settings have no size");
-  std::vector<std::uint8_t> state(static_cast<size_t>(status.cbSize.QuadPart));
-  Check(stream->Seek({}, STREAM_SEEK_SET, nullptr), "the stored settings cannot be read");
-  Check(stream->Read(state.data(), static_cast<ULONG>(state.size()), nullptr), "the stored settings cannot be read");
-  return state;
+  return ContentOf(*stream);
 }
 
 void EffectInstance::Automate(DWORD param, std::span<const MP_ENVELOPE_SEGMENT> segments) {

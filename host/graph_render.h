@@ -1,4 +1,4 @@
-// Renders through the platform's filter graph: source, effects, writer, connected directly and without a clock.
+// Renders through the platform's filter graph, without a clock.
 #pragma once
 
 #include <span>

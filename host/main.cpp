@@ -1,4 +1,4 @@
-// tervan-host: the command line that renders files through tervanfx.dll.
+// tervan-host: the command line that renders files through tervanfx.dll and shows its property pages.
 #include <windows.h>
 
 #include <objbase.h>
@@ -13,6 +13,7 @@
 #include "host/json_writer.h"
 #include "host/module_loader.h"
 #include "host/options.h"
+#include "host/page.h"
 #include "host/render.h"
 #include "host/text.h"
 
@@ -30,6 +31,17 @@ void ReportRegistration(const Options& options, const Module& module) {
   PrintOut((is_registered ? "registered " : "unregistered ") + module.Path() + '\n');
 }
 
+// Windows live in a single-threaded apartment; everything else runs in the multi-threaded one.
+class ComApartment {
+ public:
+  explicit ComApartment(bool has_windows) {
+    CoInitializeEx(nullptr, has_windows ? COINIT_APARTMENTTHREADED : COINIT_MULTITHREADED);
+  }
+  ~ComApartment() { CoUninitialize(); }
+  ComApartment(const ComApartment&) = delete;
+  ComApartment& operator=(const ComApartment&) = delete;
+};
+
 int Execute(const Options& options) {
   switch (options.command) {
     case Command::kHelp: PrintOut(HelpText()); break;
@@ -39,6 +51,7 @@ int Execute(const Options& options) {
       PrintOut(DescribeEffect(Module(options.module_path), options.described_effect, options.json));
       break;
     case Command::kRender: return Render(options);
+    case Command::kPage: return ShowPage(options);
     case Command::kRegister:
     case Command::kUnregister: {
       const Module module(options.module_path);
@@ -53,7 +66,9 @@ int Execute(const Options& options) {
 int Main(const std::vector<std::string>& arguments) {
   try {
     CatchInterrupts();
-    return Execute(ParseOptions(arguments));
+    const Options options = ParseOptions(arguments);
+    const ComApartment apartment(options.command == Command::kPage);
+    return Execute(options);
   } catch (const UsageError& error) {
     PrintError("tervan-host: " + std::string(error.what()) + '\n');
     return kExitUsage;
@@ -69,8 +84,5 @@ int Main(const std::vector<std::string>& arguments) {
 int wmain(int count, wchar_t** values) {
   std::vector<std::string> arguments;
   for (int i = 1; i < count; ++i) arguments.push_back(tervan::host::Narrow(values[i]));
-  CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-  const int exit_code = tervan::host::Main(arguments);
-  CoUninitialize();
-  return exit_code;
+  return tervan::host::Main(arguments);
 }

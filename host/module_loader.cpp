@@ -83,4 +83,15 @@ void Module::Call(const char* function, const char* action) const {
     throw Failure(std::string("cannot ") + action + ' ' + Quoted(path_) + ": " + SystemMessage(result));
 }
 
+ClassRegistration::ClassRegistration(const Module& module, const CLSID& clsid) {
+  ComPtr<IClassFactory> factory;
+  HRESULT result = module.GetFactory(clsid, &factory);
+  if (SUCCEEDED(result)) {
+    result = CoRegisterClassObject(clsid, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie_);
+  }
+  if (FAILED(result)) throw Failure("the platform does not take a class of the module: " + SystemMessage(result));
+}
+
+ClassRegistration::~ClassRegistration() { CoRevokeClassObject(cookie_); }
+
 }  // namespace tervan::host

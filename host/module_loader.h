@@ -22,6 +22,7 @@ class Module {
   const std::string& Path() const { return path_; }
 
   bool HasClass(const CLSID& clsid) const;
+  HRESULT GetFactory(const CLSID& clsid, directshow::ComPtr<IClassFactory>* factory) const;
   // Throws a Failure.
   directshow::ComPtr<IBaseFilter> CreateFilter(const CLSID& clsid) const;
 
@@ -30,11 +31,23 @@ class Module {
   void Unregister() const { Call("DllUnregisterServer", "unregister"); }
 
  private:
-  HRESULT GetFactory(const CLSID& clsid, directshow::ComPtr<IClassFactory>* factory) const;
   void Call(const char* function, const char* action) const;
 
   std::string path_;
   HMODULE library_ = nullptr;
+};
+
+// While it lives, CoCreateInstance finds a class of the module in this process, registered or not.
+class ClassRegistration {
+ public:
+  // Throws a Failure.
+  ClassRegistration(const Module& module, const CLSID& clsid);
+  ~ClassRegistration();
+  ClassRegistration(const ClassRegistration&) = delete;
+  ClassRegistration& operator=(const ClassRegistration&) = delete;
+
+ private:
+  DWORD cookie_ = 0;
 };
 
 }  // namespace tervan::host

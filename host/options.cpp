@@ -1,5 +1,6 @@
 #include "host/options.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -13,11 +14,13 @@ namespace {
 constexpr std::string_view kNamePlaceholder = "{name}";
 
 constexpr std::string_view kHelp =
-    R"(tervan-host runs WAV files through the effects of tervanfx.dll.
+    R"(tervan-host runs WAV files through the effects of tervanfx.dll and shows their property pages.
 
   tervan-host list                          the effects
   tervan-host describe EFFECT               its parameters, presets and interfaces
   tervan-host render IN.wav... OUT.wav      renders files
+  tervan-host page EFFECT[:KEY=VALUE]... [IN.wav]
+                                            shows its property page, while the file plays through it in a loop
   tervan-host register | unregister         enters the module into the registry, or removes it
 
 Options of render
@@ -45,6 +48,12 @@ Options of render
 Without an effect the audio is passed on as it is.
 With several inputs the output is a pattern: {name} stands for the input's name, as in out/{name}-comp.wav.
 
+Options of page
+  --picture FILE.png             takes a picture of the window after a second and closes it
+  --automation FILE.csv          as above, in stream time: loops do not begin it again
+  --load-state, --save-state, --force
+                                 as above; settings are saved as they are when the window is closed
+
 Options of all commands
   --module FILE                  the module; otherwise the tervanfx.dll beside this program, or the registered one
   --json                         prints the result as JSON
@@ -54,15 +63,28 @@ Exit codes: 0 done, 1 the command line is wrong, 2 something failed.
 
   tervan-host render in.wav out.wav --effect "compressor:preset=Soft Limiter:threshold=-12"
   tervan-host render in.wav out.wav --effect eq:band2.gain=4.5 --effect dither:depth=16 --bits 16
+  tervan-host page gate:threshold=-30 in.wav
 )";
 
 struct CommandName {
   std::string_view name;
   Command command;
 };
-constexpr std::array kCommands{CommandName{"list", Command::kList}, CommandName{"describe", Command::kDescribe},
-                               CommandName{"render", Command::kRender}, CommandName{"register", Command::kRegister},
-                               CommandName{"unregister", Command::kUnregister}};
+constexpr std::array kCommands{
+    CommandName{"list", Command::kList},         CommandName{"describe", Command::kDescribe},
+    CommandName{"render", Command::kRender},     CommandName{"page", Command::kPage},
+    CommandName{"register", Command::kRegister}, CommandName{"unregister", Command::kUnregister}};
+
+// Options that not all commands have.
+struct OptionUse {
+  std::string_view name;
+  bool by_render;
+  bool by_page;
+};
+constexpr std::array kOptionUses{OptionUse{"--effect", true, false},    OptionUse{"--path", true, false},
+                                 OptionUse{"--bits", true, false},      OptionUse{"--automation", true, true},
+                                 OptionUse{"--load-state", true, true}, OptionUse{"--save-state", true, true},
+                                 OptionUse{"--force", true, true},      OptionUse{"--picture", false, true}};
 
 [[noreturn]] void Fail(const std::string& message) { throw UsageError(message); }
 
@@ -103,13 +125,13 @@ class Parser {
     } else if (name == "--module") {
       options_.module_path = Value(name);
     } else {
-      TakeRenderOption(name);
+      TakeStreamOption(name);
     }
     if (inline_value_) Fail("the option " + name + " takes no value");
   }
 
-  void TakeRenderOption(const std::string& name) {
-    render_option_ = name;
+  void TakeStreamOption(const std::string& name) {
+    stream_options_.push_back(name);
     if (name == "--effect") {
       options_.effects.push_back(ParseEffectRequest(Value(name)));
     } else if (name == "--path") {
@@ -123,6 +145,8 @@ class Parser {
       if (!options_.word_length) Fail("--bits takes 8, 16, 24 or 32, not " + Quoted(value));
     } else if (name == "--automation") {
       options_.automation_path = Value(name);
+    } else if (name == "--picture") {
+      options_.picture_path = Value(name);
     } else if (name == "--load-state") {
       load_state_path_ = Value(name);
     } else if (name == "--save-state") {
@@ -155,11 +179,13 @@ class Parser {
       if (words_[0] == name) options_.command = command;
     }
     if (options_.command == Command::kHelp) {
-      Fail("there is no command " + Quoted(words_[0]) + "; there are list, describe, render, register and unregister");
+      Fail("there is no command " + Quoted(words_[0]) +
+           "; there are list, describe, render, page, register and unregister");
     }
     const size_t operands = words_.size() - 1;
     switch (options_.command) {
-      case Command::kRender: return TakeFiles();
+      case Command::kRender: TakeFiles(); break;
+      case Command::kPage: TakePage(); break;
       case Command::kDescribe:
         if (operands != 1) Fail("describe takes the name of one effect");
         options_.described_effect = words_[1];
@@ -167,7 +193,18 @@ class Parser {
       default:
         if (operands != 0) Fail(words_[0] + " takes no argument, so " + Quoted(words_[1]) + " means nothing");
     }
-    if (!render_option_.empty()) Fail("the option " + render_option_ + " belongs to render");
+    CheckStreamOptions();
+    TakeStatePaths();
+  }
+
+  void CheckStreamOptions() const {
+    for (const std::string& option : stream_options_) {
+      const OptionUse& use = *std::ranges::find(kOptionUses, option, &OptionUse::name);
+      if (use.by_render && options_.command == Command::kRender) continue;
+      if (use.by_page && options_.command == Command::kPage) continue;
+      const char* const users = !use.by_page ? "render" : use.by_render ? "render and page" : "page";
+      Fail("the option " + option + " belongs to " + users);
+    }
   }
 
   void TakeFiles() {
@@ -177,6 +214,15 @@ class Parser {
     if (options_.inputs.size() > 1 && options_.output.find(kNamePlaceholder) == std::string::npos) {
       Fail("several inputs need an output with {name} in it, not " + Quoted(options_.output));
     }
+  }
+
+  void TakePage() {
+    if (words_.size() < 2 || words_.size() > 3) Fail("page takes an effect and at most one input file");
+    options_.effects.push_back(ParseEffectRequest(words_[1]));
+    options_.inputs.assign(words_.begin() + 2, words_.end());
+  }
+
+  void TakeStatePaths() {
     if (load_state_path_.empty() && save_state_path_.empty()) return;
     if (options_.effects.size() != 1) {
       Fail("--load-state and --save-state need a single --effect; in a chain write :load=FILE and :save=FILE");
@@ -191,7 +237,7 @@ class Parser {
   bool only_words_ = false;
   bool asks_for_help_ = false;
   std::optional<std::string> inline_value_;
-  std::string render_option_;  // the last one seen
+  std::vector<std::string> stream_options_;  // those that not all commands have
   std::string load_state_path_;
   std::string save_state_path_;
   std::vector<std::string> words_;

@@ -11,7 +11,7 @@
 
 namespace tervan::host {
 
-enum class Command { kHelp, kVersion, kList, kDescribe, kRender, kRegister, kUnregister };
+enum class Command { kHelp, kVersion, kList, kDescribe, kRender, kPage, kRegister, kUnregister };
 enum class RenderPath { kGraph, kDirect };
 
 struct Options {
@@ -21,12 +21,13 @@ struct Options {
 
   std::string described_effect;
 
-  std::vector<std::string> inputs;
-  std::string output;  // a pattern when there are several inputs
-  std::vector<EffectRequest> effects;
+  std::vector<std::string> inputs;     // of a page at most one
+  std::string output;                  // a pattern when there are several inputs
+  std::vector<EffectRequest> effects;  // of a page exactly one
   RenderPath path = RenderPath::kGraph;
   std::optional<SampleType> word_length;  // integers to write; nothing: what the effects worked on
   std::string automation_path;            // empty: none
+  std::string picture_path;               // likewise
   bool force = false;
 };
 

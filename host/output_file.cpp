@@ -1,5 +1,7 @@
 #include "host/output_file.h"
 
+#include <set>
+
 #include "host/failure.h"
 #include "host/text.h"
 
@@ -22,6 +24,24 @@ void CheckReplaceable(const std::string& path, bool may_replace) {
   if (attributes == INVALID_FILE_ATTRIBUTES) return;
   if (attributes & FILE_ATTRIBUTE_DIRECTORY) throw Failure("cannot write " + Quoted(path) + ": it is a folder");
   if (!may_replace) throw Failure(Quoted(path) + " exists already; --force replaces it");
+}
+
+void CheckOutputPaths(std::span<const std::string> outputs, std::span<const std::string> inputs) {
+  std::set<std::string> written;
+  for (const std::string& output : outputs) {
+    if (!written.insert(ComparablePath(output)).second) throw UsageError(Quoted(output) + " would be written twice");
+    for (const std::string& input : inputs) {
+      if (ComparablePath(output) == ComparablePath(input) || IsSameFile(output, input)) {
+        throw UsageError("the output " + Quoted(output) + " is an input as well");
+      }
+    }
+  }
+}
+
+void WriteWholeFile(const std::string& path, std::span<const std::uint8_t> content, bool may_replace) {
+  OutputFile file(path, may_replace);
+  file.File().Write(content.data(), content.size());
+  file.Commit();
 }
 
 OutputFile::OutputFile(const std::string& path, bool may_replace)

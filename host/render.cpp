@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <optional>
-#include <set>
 #include <vector>
 
 #include "host/automation_csv.h"
@@ -14,6 +13,7 @@
 #include "host/graph_render.h"
 #include "host/output_file.h"
 #include "host/report.h"
+#include "host/stored_states.h"
 #include "host/text.h"
 
 namespace tervan::host {
@@ -27,39 +27,16 @@ struct Plan {
   std::vector<Envelope> automation;
 };
 
-struct StateFile {
-  std::string path;
-  std::vector<std::uint8_t> content;
-};
-
 std::vector<EffectInstance> MakeChain(const Plan& plan) {
   if (!plan.module) return {};
   return MakeChain(*plan.module, plan.options.effects);
 }
 
-// Settings do not change while files are rendered, so they can be stored from a chain that never ran.
-std::vector<StateFile> StatesToSave(const Options& options, std::span<const EffectInstance> chain) {
-  std::vector<StateFile> states;
-  for (size_t i = 0; i < chain.size(); ++i) {
-    for (const Setting& setting : options.effects[i].settings) {
-      if (setting.key == kSaveKey) states.push_back({setting.value, chain[i].StoredState()});
-    }
-  }
-  return states;
-}
-
-void CheckPaths(const Options& options, std::span<const StateFile> states) {
-  std::set<std::string> written;
-  const auto check = [&](const std::string& path) {
-    if (!written.insert(ComparablePath(path)).second) throw UsageError(Quoted(path) + " would be written twice");
-    for (const std::string& input : options.inputs) {
-      if (ComparablePath(path) == ComparablePath(input) || IsSameFile(path, input)) {
-        throw UsageError("the output " + Quoted(path) + " is an input as well");
-      }
-    }
-  };
-  for (const std::string& input : options.inputs) check(OutputPathFor(options.output, input));
-  for (const StateFile& state : states) check(state.path);
+void CheckOutputs(const Options& options, std::span<const StateFile> states) {
+  std::vector<std::string> outputs;
+  for (const std::string& input : options.inputs) outputs.push_back(OutputPathFor(options.output, input));
+  for (const StateFile& state : states) outputs.push_back(state.path);
+  CheckOutputPaths(outputs, options.inputs);
   for (const StateFile& state : states) CheckReplaceable(state.path, options.force);
 }
 
@@ -67,8 +44,7 @@ void CheckPaths(const Options& options, std::span<const StateFile> states) {
 SampleType WorkingType(const Options& options, const AudioFormat& input) {
   if (options.path == RenderPath::kDirect) return SampleType::kFloat32;
   if (options.word_length && !input.IsFloat()) return SampleType::kFloat64;
-  if (input.type == SampleType::kPcm24) return SampleType::kPcm32;  // effects take none of 24 bits
-  return input.type;
+  return WorkingType(input.type);
 }
 
 Levels LevelsOf(const LevelMeter& meter) { return {meter.PeakDb(), meter.RmsDb()}; }
@@ -83,7 +59,7 @@ void RenderFile(const Plan& plan, FileReport* report) {
 
   // New effects for every file: nothing of one may be heard in the next.
   std::vector<EffectInstance> chain = MakeChain(plan);
-  for (const Envelope& envelope : plan.automation) chain[envelope.effect].Automate(envelope.param, envelope.segments);
+  Automate(chain, plan.automation);
   RenderInput input(reader, type);
   RenderOutput output(writer, type, chain, plan.meter_window ? plan.meter_window->Get() : nullptr);
   ProgressLine progress(report->input, reader.Frames());
@@ -130,9 +106,10 @@ int Render(const Options& options) {
   {
     const std::vector<EffectInstance> chain = MakeChain(plan);
     if (!options.automation_path.empty()) plan.automation = ReadAutomation(options.automation_path, chain);
-    states = StatesToSave(options, chain);
+    // Settings do not change while files are rendered, so they can be stored from a chain that never ran.
+    states = StatesToSave(options.effects, chain);
   }
-  CheckPaths(options, states);
+  CheckOutputs(options, states);
 
   std::vector<FileReport> reports;
   bool has_failed = false;
@@ -145,11 +122,7 @@ int Render(const Options& options) {
   }
   if (options.json) PrintOut(ReportJson(reports, options.path));
   if (has_failed) return kExitFailed;
-  for (const StateFile& state : states) {
-    OutputFile file(state.path, options.force);
-    file.File().Write(state.content.data(), state.content.size());
-    file.Commit();
-  }
+  WriteStates(states, options.force);
   return kExitDone;
 }
 

@@ -15,6 +15,8 @@ void* Room(std::vector<std::uint8_t>& buffer, const AudioFormat& format, size_t 
 
 }  // namespace
 
+SampleType WorkingType(SampleType file) { return file == SampleType::kPcm24 ? SampleType::kPcm32 : file; }
+
 RenderInput::RenderInput(WavReader& reader, SampleType type) : reader_(reader), format_(reader.Format().With(type)) {}
 
 size_t RenderInput::Read(void* data, size_t frames) {

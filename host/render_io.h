@@ -11,20 +11,23 @@
 
 #include "host/effect_instance.h"
 #include "host/level_meter.h"
+#include "host/sample_stream.h"
 #include "host/wav_reader.h"
 #include "host/wav_writer.h"
 
 namespace tervan::host {
 
-class RenderInput {
+// What the effects work on unless something else is wanted: the file's samples, but no integers of 24 bits.
+SampleType WorkingType(SampleType file);
+
+class RenderInput final : public SampleSource {
  public:
   // Delivers samples of this type, whatever the file holds.
   RenderInput(WavReader& reader, SampleType type);
 
-  const AudioFormat& Format() const { return format_; }
-  std::uint64_t Frames() const { return reader_.Frames(); }
-  // As WavReader::Read, in Format(). [stream]
-  size_t Read(void* data, size_t frames);
+  const AudioFormat& Format() const override { return format_; }
+  std::optional<std::uint64_t> Frames() const override { return reader_.Frames(); }
+  size_t Read(void* data, size_t frames) override;
 
   const LevelMeter& Levels() const { return levels_; }              // of the file, once the rendering is over
   std::uint64_t FramesRead() const { return frames_read_.load(); }  // [any thread]
@@ -77,14 +80,13 @@ class ReductionWatch {
   std::vector<Watched> effects_;
 };
 
-class RenderOutput {
+class RenderOutput final : public SampleSink {
  public:
   // Takes samples of this type, whatever the file will hold.
   RenderOutput(WavWriter& writer, SampleType type, std::span<const EffectInstance> chain, HWND meter_window);
 
-  const AudioFormat& Format() const { return format_; }
-  // Takes frames that have passed the chain, in Format(). Throws a Failure. [stream]
-  void Write(const void* data, size_t frames);
+  const AudioFormat& Format() const override { return format_; }
+  void Write(const void* data, size_t frames) override;
 
   const LevelMeter& Levels() const { return levels_; }  // of the file
   const ReductionWatch& Reductions() const { return reductions_; }

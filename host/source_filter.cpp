@@ -1,6 +1,7 @@
 #include "host/source_filter.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "directshow/allocators.h"
 #include "host/failure.h"
@@ -15,7 +16,7 @@ constexpr std::uint64_t kUnitsPerSecond = 10'000'000;  // REFERENCE_TIME
 
 }  // namespace
 
-SourcePin::SourcePin(SourceFilter& filter, RenderInput& input, size_t buffer_frames) noexcept
+SourcePin::SourcePin(SourceFilter& filter, SampleSource& input, size_t buffer_frames) noexcept
     : OutputPin(filter, L"Output"), owner_(filter), input_(input), buffer_frames_(buffer_frames) {}
 
 HRESULT SourcePin::GetMediaType(int index, directshow::MediaType* type) {
@@ -67,7 +68,8 @@ void SourcePin::Stream() noexcept {
 // S_OK at the end of the stream, or a failure.
 HRESULT SourcePin::DeliverAll() {
   const size_t frame_bytes = input_.Format().FrameBytes();
-  HRESULT result = DeliverNewSegment(0, TimeOf(input_.Frames()), 1.0);
+  const auto total = input_.Frames();
+  HRESULT result = DeliverNewSegment(0, total ? TimeOf(*total) : std::numeric_limits<REFERENCE_TIME>::max(), 1.0);
   std::uint64_t position = 0;
   while (SUCCEEDED(result)) {
     directshow::ComPtr<IMediaSample> sample;
@@ -91,13 +93,13 @@ HRESULT SourcePin::DeliverAll() {
   return result;
 }
 
-// From the frame count each time, so that rounding never adds up. A file has fewer than 2^32 frames.
+// From the frame count each time, so that rounding never adds up. 64 bits last for 100 days at 192 kHz.
 REFERENCE_TIME SourcePin::TimeOf(std::uint64_t frames) const {
   const std::uint64_t rate_hz = input_.Format().rate_hz;
   return static_cast<REFERENCE_TIME>((frames * kUnitsPerSecond + rate_hz / 2) / rate_hz);
 }
 
-SourceFilter::SourceFilter(RenderInput& input, size_t buffer_frames) noexcept
+SourceFilter::SourceFilter(SampleSource& input, size_t buffer_frames) noexcept
     : BaseFilter(nullptr, kSourceClass), pin_(*this, input, buffer_frames) {}
 
 }  // namespace tervan::host

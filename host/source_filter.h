@@ -1,6 +1,6 @@
-// The host's own source: delivers a RenderInput from a thread of its own, as fast as downstream takes it.
+// The host's own source: delivers a SampleSource from a thread of its own, as fast as downstream takes it.
 //
-// Samples carry stream times counted from the file's first frame; only the first one is a discontinuity. A read error
+// Samples carry stream times counted from the first frame; only the first one is a discontinuity. A read error
 // ends the stream, is kept as a sentence and reported to the graph as EC_ERRORABORT.
 #pragma once
 
@@ -13,7 +13,7 @@
 
 #include "directshow/base_filter.h"
 #include "directshow/output_pin.h"
-#include "host/render_io.h"
+#include "host/sample_stream.h"
 
 namespace tervan::host {
 
@@ -21,7 +21,7 @@ class SourceFilter;
 
 class SourcePin final : public directshow::OutputPin {
  public:
-  SourcePin(SourceFilter& filter, RenderInput& input, size_t buffer_frames) noexcept;
+  SourcePin(SourceFilter& filter, SampleSource& input, size_t buffer_frames) noexcept;
 
   HRESULT GetMediaType(int index, directshow::MediaType* type) override;
   HRESULT CheckMediaType(const AM_MEDIA_TYPE& type) override;
@@ -41,7 +41,7 @@ class SourcePin final : public directshow::OutputPin {
   REFERENCE_TIME TimeOf(std::uint64_t frames) const;
 
   directshow::BaseFilter& owner_;
-  RenderInput& input_;
+  SampleSource& input_;
   const size_t buffer_frames_;
   std::string error_;  // written by the streaming thread, which Inactive ends
   std::thread thread_;
@@ -50,7 +50,7 @@ class SourcePin final : public directshow::OutputPin {
 class SourceFilter final : public directshow::BaseFilter {
  public:
   // The input outlives the filter.
-  SourceFilter(RenderInput& input, size_t buffer_frames) noexcept;
+  SourceFilter(SampleSource& input, size_t buffer_frames) noexcept;
 
   int PinCount() noexcept override { return 1; }
   directshow::BasePin* PinAt(int) noexcept override { return &pin_; }

@@ -163,8 +163,13 @@ WavReader::WavReader(const std::string& path) : file_(FileHandle::OpenForReading
   DataSpan data{};
   HeaderParser(file_).Parse(&format_, &data);
   frames_ = data.bytes / format_.FrameBytes();  // a trailing part of a frame is not audio
+  data_offset_ = data.offset;
+  Rewind();
+}
+
+void WavReader::Rewind() {
+  file_.Seek(data_offset_);
   frames_left_ = frames_;
-  file_.Seek(data.offset);
 }
 
 size_t WavReader::Read(void* data, size_t frames) {

@@ -24,10 +24,13 @@ class WavReader {
 
   // Writes the next frames and gives their number, 0 at the end. Throws a Failure.
   size_t Read(void* data, size_t frames);
+  // To the first frame. Throws a Failure.
+  void Rewind();
 
  private:
   FileHandle file_;
   AudioFormat format_{};
+  std::uint64_t data_offset_ = 0;
   std::uint64_t frames_ = 0;
   std::uint64_t frames_left_ = 0;
 };

@@ -1,19 +1,21 @@
-// The host's own writer: hands every sample to a RenderOutput on the streaming thread.
+// The host's own writer: hands every sample to a SampleSink on the streaming thread. With a clock in the graph a sample
+// waits until its time has come.
 //
 // It is a renderer to the graph: it reports EC_COMPLETE once the stream has ended and the graph runs. An error is kept
-// as a sentence and reported as EC_ERRORABORT.
+// as a sentence and reported as EC_ERRORABORT. A graph that runs is stopped, never paused.
 #pragma once
 
 #include <windows.h>
 
 #include <dshow.h>
 
+#include <condition_variable>
+#include <mutex>
 #include <string>
 
 #include "directshow/base_filter.h"
-#include "directshow/critical_section.h"
 #include "directshow/input_pin.h"
-#include "host/render_io.h"
+#include "host/sample_stream.h"
 
 namespace tervan::host {
 
@@ -21,9 +23,10 @@ class WriterFilter;
 
 class WriterPin final : public directshow::InputPin {
  public:
-  WriterPin(WriterFilter& filter, RenderOutput& output) noexcept;
+  WriterPin(WriterFilter& filter, SampleSink& output) noexcept;
 
   HRESULT CheckMediaType(const AM_MEDIA_TYPE& type) override;
+  HRESULT Active() override;
   HRESULT Run(REFERENCE_TIME start) override;
   HRESULT Inactive() override;
 
@@ -35,13 +38,17 @@ class WriterPin final : public directshow::InputPin {
   HRESULT OnEndOfStream() override;
 
  private:
+  bool WaitUntilDue(IMediaSample& sample);
   void CompleteIfDue();
 
   directshow::BaseFilter& owner_;
-  RenderOutput& output_;
+  SampleSink& output_;
   std::string error_;
 
-  directshow::CriticalSection completion_lock_;  // guards the flags below
+  std::mutex state_mutex_;  // guards the members below
+  std::condition_variable state_changed_;
+  REFERENCE_TIME start_time_ = 0;  // of the stream, by the clock; while running
+  bool is_active_ = false;
   bool is_running_ = false;
   bool has_ended_ = false;
   bool is_complete_ = false;  // reported
@@ -50,7 +57,7 @@ class WriterPin final : public directshow::InputPin {
 class WriterFilter final : public directshow::Implements<directshow::BaseFilter, IAMFilterMiscFlags> {
  public:
   // The output outlives the filter.
-  explicit WriterFilter(RenderOutput& output) noexcept;
+  explicit WriterFilter(SampleSink& output) noexcept;
 
   int PinCount() noexcept override { return 1; }
   directshow::BasePin* PinAt(int) noexcept override { return &pin_; }
