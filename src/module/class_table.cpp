@@ -8,6 +8,7 @@
 #include "effects/dither/dither_page.h"
 #include "effects/eq/eq_filter.h"
 #include "effects/gate/gate_filter.h"
+#include "effects/gate/gate_page.h"
 
 namespace tervan {
 namespace {
@@ -28,6 +29,7 @@ constexpr ClassTemplate kClasses[] = {
     {kCompressorFilterName, &kCompressorTraits.filter_clsid, Create<CompressorFilter>, &kCompressorFilterSetup},
     {kEqFilterName, &kEqTraits.filter_clsid, Create<EqFilter>, &kEqFilterSetup},
     {kGateFilterName, &kGateTraits.filter_clsid, Create<GateFilter>, &kGateFilterSetup},
+    {kGatePageName, &kGateTraits.page_clsid, Create<GatePage>, nullptr},
 };
 
 }  // namespace
