@@ -44,8 +44,9 @@ TEST(NumberText, ReadsWhatPeopleType) {
   } cases[] = {{kEnglish, {u"2500", u" 2,500 ", u"25,00.", u"2 500", u"+2\u202F500", u"2500.0"}, 2500.0, 2500},
                {kGerman, {u"2.500", u"25.00,", u"2 500"}, 2500.0, 2500},
                {kSwedish, {u"2,5", u"2.5", u"2.500"}, 2.5, 2},
-               {kSwiss, {u"-2'500.9", u"- 2\u2019500.9", u"\u22122500.9"}, -2500.9, -2500},
+               {kSwiss, {u"-2'500.9", u"\u200E-2\u2019500.9", u"\u2212 2500.9"}, -2500.9, -2500},
                {kSwedish, {u"-,5", u"\u2212.5"}, -0.5, 0},
+               {kLong, {u"-3::5", u"minus 3.5"}, -3.5, -3},
                {kEnglish, {u"0.99999999999999999999"}, 1.0, 0},
                {kEnglish, {nines}, std::numeric_limits<double>::max(), std::numeric_limits<std::int32_t>::max()},
                {kEnglish, {tiny}, 0.0, 0}};
@@ -59,6 +60,7 @@ TEST(NumberText, ReadsWhatPeopleType) {
     EXPECT_EQ(ParseNumber(text, kEnglish), std::nullopt) << PrintToString(text);
     EXPECT_EQ(ParseInteger(text, kEnglish), std::nullopt) << PrintToString(text);
   }
+  EXPECT_EQ(ParseNumber(u".5", kGerman), std::nullopt);
 }
 
 TEST(NumberText, ReadsBackWhatItWritesInEveryFormat) {
