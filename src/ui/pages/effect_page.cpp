@@ -190,7 +190,7 @@ void EffectPage::SetUpLogoStrip() {
     for (size_t i = 0; i < bypass_images_.size(); ++i) {
       const auto& [message, bitmap_id] = kBypassImages[i];
       bypass_images_[i].reset(ImageList_LoadImageW(Module(), MAKEINTRESOURCEW(bitmap_id), kBypassImageWidth, 0,
-                                                   kTransparent, IMAGE_BITMAP, 0));
+                                                   kTransparent, IMAGE_BITMAP, LR_CREATEDIBSECTION));
       SendMessageW(strip, message, reinterpret_cast<WPARAM>(bypass_images_[i].get()), 0);
     }
     SendMessageW(strip, kLogoAddButton, description_.bypass_id, 0);
