@@ -3,6 +3,7 @@
 #include "ui/control_window.h"
 #include "ui/controls/logo_strip.h"
 #include "ui/controls/slider_control.h"
+#include "ui/controls/static_control.h"
 
 namespace tervan::ui {
 namespace {
@@ -19,6 +20,7 @@ struct Row {
 constexpr std::initializer_list<Row> kClasses{
     {&kFaderClass, nullptr},
     {&kTrackbarClass, nullptr},
+    {&kStaticClass, nullptr},
     {&kLogoClass, ChooseLogoPictures},
 };
 

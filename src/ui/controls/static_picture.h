@@ -1,0 +1,34 @@
+// The picture of a static control: one at a time, and the control's own.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <type_traits>
+
+#include "ui/dib_picture.h"
+#include "ui/gdi.h"
+
+namespace tervan::ui {
+
+class StaticPicture {
+ public:
+  // Each of these deletes the picture before. What is neither a bitmap nor a block of memory leaves no picture.
+  void Clear() { *this = {}; }
+  void Take(HBITMAP bitmap);
+  void TakeDib(HGLOBAL dib);  // a packed device-independent bitmap
+
+  explicit operator bool() const { return bitmap_ || dib_; }
+  // At its own size in the left top corner, or stretched to the area. Answers where it lies.
+  Rect Draw(HDC dc, Rect area, bool is_stretched, DibDrawer& drawer) const;
+
+ private:
+  struct BlockDeleter {
+    void operator()(HGLOBAL block) const noexcept { GlobalFree(block); }
+  };
+
+  BitmapHandle bitmap_;
+  std::unique_ptr<void, BlockDeleter> dib_;
+};
+
+}  // namespace tervan::ui
