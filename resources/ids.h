@@ -70,6 +70,7 @@
 #define IDS_MENU_PRESETS 514
 #define IDS_MENU_HELP 515
 #define IDS_MENU_ABOUT 516
+#define IDS_STRIP_BYPASS 517
 
 // List entries of the dither page: the first one's number plus the setting
 #define IDS_DITHER_DEPTH_FIRST 6010

@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 
+#include "ui/back_buffer.h"
 #include "ui/dib_format.h"
 
 namespace tervan::ui {
@@ -41,11 +42,14 @@ class DibDrawer {
   DibDrawer(const DibDrawer&) = delete;
   DibDrawer& operator=(const DibDrawer&) = delete;
 
-  // The picture's left top part of this size, stretched to the area.
-  void Draw(HDC dc, const DibPicture& picture, Size part, Rect area) const;
+  // Scaled smoothly to the area when that has another size.
+  void Draw(HDC dc, const DibPicture& picture, Rect area);
 
  private:
+  void DrawAsIs(HDC dc, const DibPicture& picture, Point at) const;
+
   const HDRAWDIB handle_;
+  BackBuffer buffer_;  // of the picture's own size
 };
 
 }  // namespace tervan::ui

@@ -52,6 +52,11 @@ class WindowDc {
   const HDC dc_;
 };
 
+// Of a mouse message.
+inline Point PointFrom(LPARAM lparam) {
+  return {static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))};
+}
+inline Point FromPOINT(const POINT& p) { return {static_cast<int>(p.x), static_cast<int>(p.y)}; }
 inline Rect FromRECT(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
 inline RECT ToRECT(const Rect& r) { return {r.left, r.top, r.right, r.bottom}; }
 inline Colour FromCOLORREF(COLORREF c) { return {GetRValue(c), GetGValue(c), GetBValue(c)}; }

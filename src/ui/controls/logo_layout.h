@@ -8,21 +8,22 @@
 
 namespace tervan::ui {
 
-// What an item holds: the width of its text, or the size of its image.
+// What an item holds: the size of its text on the screen, or of its image at 96 dpi.
 struct LogoItemContent {
   bool is_text;
   Size size;
 };
 
 struct LogoLayout {
-  Rect picture;
+  Rect picture;             // what is seen of it
   Rect title;               // empty when nothing is left for it
   std::vector<Rect> items;  // in the order in which they were added; empty rectangles where no space is left
 };
 
-// The picture at the left end, items from the right end leftwards with the last one rightmost, the title between them.
-// Items come before the picture where there is not enough space for both.
-LogoLayout LayOutLogo(Size client, Size picture, std::span<const LogoItemContent> items, int dpi);
+// The picture at the left end, as tall as the strip; items from the right end leftwards with the last one rightmost,
+// the title between them. Items come before the picture where there is not enough space for both. Pictures and images
+// grow with the screen's dots per inch.
+LogoLayout LayOutLogo(Size client, int picture_width_px, std::span<const LogoItemContent> items, int dpi);
 
 enum class LogoPart { kNone, kItem, kPicture, kTitle };
 

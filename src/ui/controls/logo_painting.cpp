@@ -1,5 +1,6 @@
 #include "ui/controls/logo_painting.h"
 
+#include "ui/back_buffer.h"
 #include "ui/gdi.h"
 #include "ui/ui_library.h"
 
@@ -24,7 +25,7 @@ enum ImageListOf { kNormal, kHot, kDisabled };
 
 class Painter {
  public:
-  Painter(HDC dc, Canvas& canvas, const DibDrawer& drawer, const LogoScene& scene)
+  Painter(HDC dc, Canvas& canvas, DibDrawer& drawer, const LogoScene& scene)
       : dc_(dc), canvas_(canvas), drawer_(drawer), scene_(scene), palette_(CurrentPalette()) {}
 
   void Paint(Rect client) {
@@ -52,10 +53,14 @@ class Painter {
       canvas_.Fill(client, palette_.face);
     } else {
       canvas_.Fill(client, FromCOLORREF(kLogoBackground));
-      drawer_.Draw(dc_, pictures.background, pictures.background.size(), client);
+      drawer_.Draw(dc_, pictures.background, client);
     }
     const Rect area = scene_.layout.picture;
-    drawer_.Draw(dc_, pictures.logo, {area.Width(), area.Height()}, area);
+    const int width_px = AtDpi(pictures.logo.size().width, scene_.dpi);
+    SaveDC(dc_);
+    IntersectClipRect(dc_, area.left, area.top, area.right, area.bottom);  // items cut it off
+    drawer_.Draw(dc_, pictures.logo, {area.left, area.top, area.left + width_px, area.bottom});
+    RestoreDC(dc_, -1);
   }
 
   // Frames are shades of what the strip has behind them, so that they go with any picture.
@@ -102,8 +107,30 @@ class Painter {
     const HIMAGELIST wanted = scene_.images[!IsEnabled(number) ? kDisabled : IsHot(number) ? kHot : kNormal];
     const HIMAGELIST list = wanted ? wanted : scene_.images[kNormal];
     const int image = LogoImage(scene_.items[number], IsPressed(number));
-    ImageList_DrawEx(list, image < ImageList_GetImageCount(list) ? image : 0, dc_, area.left, area.top, area.Width(),
-                     area.Height(), CLR_NONE, CLR_NONE, ILD_TRANSPARENT);
+    const int number_in_list = image < ImageList_GetImageCount(list) ? image : 0;
+    const Size size = LogoImageSize(scene_.images);
+    SaveDC(dc_);
+    IntersectClipRect(dc_, area.left, area.top, area.right, area.bottom);
+    area.right = area.left + AtDpi(size.width, scene_.dpi);
+    if (area.Width() == size.width) {
+      ImageList_Draw(list, number_in_list, dc_, area.left, area.top, ILD_TRANSPARENT);
+    } else {
+      PaintScaled(list, number_in_list, size, area);
+    }
+    RestoreDC(dc_, -1);
+  }
+
+  // On a small copy of what is behind it: the transparent corners of an image do not survive scaling.
+  void PaintScaled(HIMAGELIST list, int image, Size size, Rect area) const {
+    BackBuffer small;
+    if (!small.Prepare(dc_, size)) return;
+    SetStretchBltMode(small.dc(), HALFTONE);
+    StretchBlt(small.dc(), 0, 0, size.width, size.height, dc_, area.left, area.top, area.Width(), area.Height(),
+               SRCCOPY);
+    ImageList_Draw(list, image, small.dc(), 0, 0, ILD_TRANSPARENT);
+    SetStretchBltMode(dc_, HALFTONE);
+    StretchBlt(dc_, area.left, area.top, area.Width(), area.Height(), small.dc(), 0, 0, size.width, size.height,
+               SRCCOPY);
   }
 
   void PaintText(const std::wstring& text, Rect area, HFONT font, Colour colour, UINT alignment) const {
@@ -117,7 +144,7 @@ class Painter {
 
   const HDC dc_;
   Canvas& canvas_;
-  const DibDrawer& drawer_;
+  DibDrawer& drawer_;
   const LogoScene& scene_;
   const Palette palette_;
 };
@@ -131,7 +158,7 @@ Size LogoImageSize(const LogoImages& images) {
   return {width, height};
 }
 
-void PaintLogo(HDC dc, Canvas& canvas, Rect client, const DibDrawer& drawer, const LogoScene& scene) {
+void PaintLogo(HDC dc, Canvas& canvas, Rect client, DibDrawer& drawer, const LogoScene& scene) {
   Painter(dc, canvas, drawer, scene).Paint(client);
 }
 

@@ -43,6 +43,6 @@ struct LogoScene {
 };
 
 // Draws all of the client area. The canvas holds the pixels that dc draws on.
-void PaintLogo(HDC dc, Canvas& canvas, Rect client, const DibDrawer& drawer, const LogoScene& scene);
+void PaintLogo(HDC dc, Canvas& canvas, Rect client, DibDrawer& drawer, const LogoScene& scene);
 
 }  // namespace tervan::ui

@@ -24,10 +24,6 @@ constexpr PictureNumbers kPicturesOfLocale[] = {{IDB_LOGO, IDB_LOGO_BACKGROUND},
                                                 {IDB_ALTERNATE_LOGO, IDB_ALTERNATE_LOGO_BACKGROUND}};
 PictureNumbers chosen_pictures{};
 
-constexpr wchar_t kHelpMark[] = L"?";  // read aloud, it says nothing
-
-Point PointOf(LPARAM lparam) { return {static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))}; }
-
 std::wstring FromNarrow(const char* text) {
   const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
   std::wstring wide(std::max(length, 1), L'\0');
@@ -67,11 +63,11 @@ LRESULT LogoStrip::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
 
     case WM_PAINT: OnPaint(); return 0;
     case WM_ERASEBKGND: return 1;
-    case WM_MOUSEMOVE: OnMove(PointOf(lparam)); return 0;
+    case WM_MOUSEMOVE: OnMove(PointFrom(lparam)); return 0;
     case WM_TIMER: OnTick(); return 0;
     case WM_LBUTTONDOWN:
-    case WM_LBUTTONDBLCLK: OnPress(PointOf(lparam)); return 0;
-    case WM_LBUTTONUP: OnRelease(PointOf(lparam)); return 0;
+    case WM_LBUTTONDBLCLK: OnPress(PointFrom(lparam)); return 0;
+    case WM_LBUTTONUP: OnRelease(PointFrom(lparam)); return 0;
     case WM_CAPTURECHANGED: OnCaptureLost(); return 0;
     case WM_SETCURSOR:
       if (LOWORD(lparam) == HTCLIENT && OnSetCursor()) return TRUE;
@@ -155,7 +151,7 @@ void LogoStrip::LayOut() {
     GetTextExtentPoint32W(dc.Get(), item.text.c_str(), static_cast<int>(item.text.size()), &text);
     contents.push_back({item.is_text, item.is_text ? Size{text.cx, text.cy} : image_size});
   }
-  layout_ = LayOutLogo({client.right, client.bottom}, pictures_.logo.size(), contents, ScreenDpi());
+  layout_ = LayOutLogo({client.right, client.bottom}, pictures_.logo.size().width, contents, ScreenDpi());
   Invalidate();
 }
 
@@ -187,7 +183,7 @@ void LogoStrip::OnTick() {
   POINT point;
   const bool is_over = GetCursorPos(&point) && (WindowFromPoint(point) == window() || GetCapture() == window());
   ScreenToClient(window(), &point);
-  if (is_over) return SetHot(HitLogo(layout_, {static_cast<int>(point.x), static_cast<int>(point.y)}));
+  if (is_over) return SetHot(HitLogo(layout_, FromPOINT(point)));
   StopHovering();
   SetHot({});
 }
@@ -231,7 +227,7 @@ bool LogoStrip::OnSetCursor() const {
   POINT point;
   if (!GetCursorPos(&point)) return false;
   ScreenToClient(window(), &point);
-  const LogoHit hit = HitLogo(layout_, {static_cast<int>(point.x), static_cast<int>(point.y)});
+  const LogoHit hit = HitLogo(layout_, FromPOINT(point));
   if (hit.part != LogoPart::kItem || !items_[hit.item].is_enabled) return false;
   SetCursor(HandCursor());
   return true;
@@ -292,8 +288,9 @@ LONG LogoStrip::PartRole(int part) const {
 std::wstring LogoStrip::PartName(int part) const {
   if (part == 0) return PlainLabel(WindowText(window()).c_str());
   const LogoItem& item = items_[part - 1];
-  if (item.text == kHelpMark) return L"Help";
-  return item.is_text ? item.text : L"Bypass";
+  if (!item.is_text) return ResourceText(IDS_STRIP_BYPASS);
+  const bool is_mark = item.text == ResourceText(IDS_STRIP_HELP);  // read aloud, "?" says nothing
+  return is_mark ? ResourceText(IDS_MENU_HELP) : item.text;
 }
 
 LONG LogoStrip::PartState(int part) const {
