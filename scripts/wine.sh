@@ -78,11 +78,21 @@ prefix_works() {
   [[ $status == 42 ]]
 }
 
+# furnish_prefix ARCH PURPOSE: what windows need to look as on Windows.
+furnish_prefix() {
+  # Debian's Wine looks for its own fonts where Debian does not put them. Links, for the fonts of the Wine that follows them.
+  ln -sf /usr/share/wine/fonts/* "$prefix/drive_c/windows/Fonts/"
+  # Desktops of our own have no window manager that would frame a window.
+  [[ $2 != test ]] || in_wine "$1" "$prefix" wine reg add 'HKCU\Software\Wine\AppDefaults\tervan-host.exe\X11 Driver' \
+    /v Decorated /d N /f >/dev/null 2>&1 </dev/null || say "the windows of tervan-host will have no frames"
+  touch "$prefix/.tervanfx-furnished"
+}
+
 # wine_prefix ARCH PURPOSE: sets prefix; makes it when it is missing or was cut short.
 wine_prefix() {
   local arch=$1
   prefix=$cache/prefix-$1-$2
-  [[ -f $prefix/.tervanfx-ready && -f $prefix/system.reg ]] && return
+  [[ -f $prefix/.tervanfx-ready && -f $prefix/system.reg && -f $prefix/.tervanfx-furnished ]] && return
   mkdir -p "$cache"
   exec 8>"$prefix.lock"
   flock 8
@@ -94,6 +104,7 @@ wine_prefix() {
     prefix_works "$arch" "$prefix" 8>&- || { say "Wine does not run a $arch program"; exec 8>&-; return 1; }
     touch "$prefix/.tervanfx-ready"
   fi
+  [[ -f $prefix/.tervanfx-furnished ]] || furnish_prefix "$@" 8>&-
   exec 8>&-
 }
 
