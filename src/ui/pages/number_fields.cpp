@@ -17,7 +17,7 @@ std::wstring TenthsText(INT32 tenths) { return Wide(FixedTenths(tenths, UserNumb
 INT32 ReadInteger(HWND edit, int max_length) {
   std::wstring text(max_length, L'\0');
   text.resize(GetWindowTextW(edit, text.data(), max_length + 1));
-  return ParseInteger({reinterpret_cast<const char16_t*>(text.data()), text.size()}, UserNumberFormat()).value_or(0);
+  return ParseInteger(std::u16string(text.begin(), text.end()), UserNumberFormat()).value_or(0);
 }
 
 }  // namespace tervan::ui
