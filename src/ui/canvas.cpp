@@ -79,11 +79,13 @@ int Canvas::Coverage(Rect area, int radius_px, Point p) {
   return static_cast<int>(std::clamp(inside, 0.0, 1.0) * kFullWeight);
 }
 
-void Canvas::FillRounded(Rect area, int radius_px, Colour top, Colour bottom) {
+void Canvas::FillRounded(Rect area, int radius_px, Colour top, Colour bottom, int weight) {
   const Rect clipped = Clipped(area);
   for (int y = clipped.top; y < clipped.bottom; ++y) {
     const Colour colour = Mixed(top, bottom, WeightAt(y - area.top, area.Height()));
-    for (int x = clipped.left; x < clipped.right; ++x) Blend({x, y}, colour, Coverage(area, radius_px, {x, y}));
+    for (int x = clipped.left; x < clipped.right; ++x) {
+      Blend({x, y}, colour, Coverage(area, radius_px, {x, y}) * weight / kFullWeight);
+    }
   }
 }
 

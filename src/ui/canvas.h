@@ -34,8 +34,9 @@ class Canvas {
   void Fill(Rect area, Colour colour);
   // The first colour at the left or top edge, the second one at the other.
   void FillGradient(Rect area, Colour first, Colour second, Direction direction);
-  // Corners of this radius, with smooth edges; filled from top to bottom.
-  void FillRounded(Rect area, int radius_px, Colour top, Colour bottom);
+  // Corners of this radius, with smooth edges; filled from top to bottom. With less than the full weight, the ground
+  // shines through.
+  void FillRounded(Rect area, int radius_px, Colour top, Colour bottom, int weight = 256);
   // A ring of this width inside the area.
   void StrokeRounded(Rect area, int radius_px, int width_px, Colour colour);
 
