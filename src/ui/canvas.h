@@ -29,6 +29,7 @@ class Canvas {
   void SetFewColours(bool few_colours) { few_colours_ = few_colours; }
 
   Size size() const { return size_; }
+  const std::uint32_t* pixels() const { return pixels_; }
   Colour PixelAt(Point p) const;
 
   void Fill(Rect area, Colour colour);

@@ -2,6 +2,7 @@
 
 #include "ui/control_window.h"
 #include "ui/controls/logo_strip.h"
+#include "ui/controls/meter_control.h"
 #include "ui/controls/slider_control.h"
 #include "ui/controls/static_control.h"
 
@@ -20,6 +21,7 @@ struct Row {
 constexpr std::initializer_list<Row> kClasses{
     {&kFaderClass, nullptr},
     {&kTrackbarClass, nullptr},
+    {&kMeterClass, nullptr},
     {&kStaticClass, nullptr},
     {&kLogoClass, ChooseLogoPictures},
 };

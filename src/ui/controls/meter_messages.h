@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include "ui/controls/meter_levels.h"
+
 namespace tervan::ui {
 
 inline constexpr wchar_t kMeterClassName[] = L"qvmodfx1Bld244MeterClass";
@@ -17,8 +19,6 @@ inline constexpr DWORD kMeterHoldValleys = 0x0100;
 inline constexpr DWORD kMeterHoldPeaks = 0x0200;
 inline constexpr DWORD kMeterShowLabels = 0x0400;
 
-inline constexpr int kMaxMeterChannels = 6;
-
 // Messages. A level is an integer, or the bits of a 32-bit float.
 inline constexpr UINT kMeterGetLevels = 0x60A;  // wParam: 0, count; lParam: array
 inline constexpr UINT kMeterGetRange = 0x60B;   // wParam, lParam: places or null
@@ -31,17 +31,23 @@ inline constexpr UINT kMeterChangeStyle = 0x611;  // wParam: bits; lParam: set o
 inline constexpr UINT kMeterGetChannelCount = 0x612;
 inline constexpr UINT kMeterSetChannelCount = 0x613;  // wParam: redraw; lParam: count
 inline constexpr UINT kMeterGetLabelFormat = 0x614;   // wParam: size of the buffer; lParam: buffer
-inline constexpr UINT kMeterSetLabelFormat = 0x615;   // wParam: bit 16, a drawing switch; lParam: text
+inline constexpr UINT kMeterSetLabelFormat = 0x615;   // wParam, bit 16: the loudest label names the unit; lParam: text
 inline constexpr UINT kMeterGetExtremes = 0x616;      // as kMeterGetLevels
 inline constexpr UINT kMeterSetExtremes = 0x617;      // wParam: 0, count; lParam: value or array
 inline constexpr UINT kMeterResetClip = 0x618;        // wParam: redraw
 inline constexpr UINT kMeterResetHolds = 0x619;       // wParam: redraw
 inline constexpr UINT kMeterGetPreferredSize = 0x61A;
 inline constexpr UINT kMeterGetBarBounds = 0x61C;  // wParam: 2, channel; lParam: RECT*
-inline constexpr UINT kMeterSwitchFirst = 0x61D;
-inline constexpr UINT kMeterSwitchSecond = 0x61E;
-inline constexpr UINT kMeterGetOptions = 0x61F;     // wParam: mask
-inline constexpr UINT kMeterChangeOptions = 0x620;  // wParam: mask; lParam: set or clear
+inline constexpr UINT kMeterSwitchPlainBars =
+    0x61D;  // wParam: redraw; lParam: on or off, answered; bars without segments
+inline constexpr UINT kMeterSwitchNoTicks = 0x61E;  // the same; labels without ticks
+inline constexpr UINT kMeterGetOptions = 0x61F;     // wParam: mask; answers those of its bits that are set
+inline constexpr UINT kMeterChangeOptions = 0x620;  // wParam: mask; lParam: set or clear; answers all bits
+
+inline constexpr WORD kMeterBarArea = 2;  // what kMeterGetBarBounds asks for; channels count from 0
+
+// Option bits; the others are kept and mean nothing.
+inline constexpr DWORD kMeterAutoOrientation = 0x0001;  // vertical when taller than wide, whatever the style says
 
 // WM_NOTIFY codes.
 inline constexpr UINT kNotifyMeterRange = 1646;  // a range was chosen in the menu; to the parent window

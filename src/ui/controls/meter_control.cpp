@@ -1,0 +1,403 @@
+#include "ui/controls/meter_control.h"
+
+#include <oleacc.h>
+#include <windowsx.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "ui/controls/meter_menu.h"
+#include "ui/controls/meter_ranges.h"
+
+namespace tervan::ui {
+namespace {
+
+constexpr std::size_t kMaxLabelFormat = 15;
+constexpr char kFirstLabelFormat[] = "$.1f";
+constexpr wchar_t kValueFormat[] = L"$.1f";
+constexpr wchar_t kSilence[] = L"-Inf.";
+constexpr int kKeyboardMenuOffsetPx = 16;
+
+}  // namespace
+
+const ControlClass kMeterClass{.name = kMeterClassName,
+                               .style = CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW | CS_GLOBALCLASS,
+                               .extra_bytes = sizeof(void*),
+                               .cursor = IDC_ARROW,
+                               .background = COLOR_BTNFACE,
+                               .procedure = WindowProcOf<MeterControl>};
+
+MeterControl::MeterControl(HWND window, const CREATESTRUCTW& creation)
+    : ControlWindow(window),
+      creation_parent_(creation.hwndParent),
+      levels_((static_cast<DWORD>(creation.style) & kMeterInverted) != 0),
+      label_format_(kFirstLabelFormat) {}
+
+LRESULT MeterControl::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message >= kMeterGetLevels && message <= kMeterChangeOptions) return OnMeterMessage(message, wparam, lparam);
+  switch (message) {
+    case WM_PAINT: return OnPaint();
+    case WM_PRINTCLIENT: return OnPrint(reinterpret_cast<HDC>(wparam));
+    case WM_ERASEBKGND: return TRUE;  // every pixel is painted
+    case WM_SIZE:
+    case WM_SYSCOLORCHANGE:
+    case WM_SETTINGCHANGE:
+    case WM_ENABLE:
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS: LookChanged(false); return 0;
+    case WM_STYLECHANGED:
+      levels_.SetInverted(HasStyle(kMeterInverted));
+      LookChanged(false);
+      return 0;
+    case WM_SETFONT:
+      font_ = reinterpret_cast<HFONT>(wparam);
+      if (LOWORD(lparam) != 0) Redraw();
+      return 0;
+    case WM_GETFONT: return reinterpret_cast<LRESULT>(font_);
+    case WM_GETDLGCODE: return DLGC_STATIC;
+    case WM_NCHITTEST: return OnHitTest({GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)});
+    case WM_LBUTTONDOWN:
+    case WM_LBUTTONDBLCLK: OnPress({GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)}); break;
+    case WM_KEYDOWN: return OnKey(wparam, lparam);
+    case WM_CONTEXTMENU: return OnContextMenu(wparam, lparam);
+    case WM_MENUSELECT: return OnMenuSelect(wparam, lparam);
+    case WM_ENTERIDLE: return SendMessageW(Parent(), message, wparam, lparam);
+    case WM_DESTROY: OnDestroy(); return 0;
+  }
+  return Default(message, wparam, lparam);
+}
+
+LRESULT MeterControl::OnMeterMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+  const auto number = static_cast<DWORD>(lparam);
+  const bool is_on = number != 0;
+  const bool at_once = LOWORD(wparam) != 0;
+  const WORD high = HIWORD(wparam);
+  switch (message) {
+    case kMeterGetLevels: return GetValues(wparam, lparam, [](const MeterChannel& channel) { return channel.level; });
+    case kMeterSetLevels: return SetValues(wparam, lparam, at_once, &MeterLevels::SetLevel);
+    case kMeterGetExtremes:
+      return GetValues(wparam, lparam, [](const MeterChannel& channel) { return channel.extreme; });
+    case kMeterSetExtremes: return SetValues(wparam, lparam, false, &MeterLevels::SetExtreme);
+    case kMeterGetRange: return GetRange(reinterpret_cast<INT32*>(wparam), reinterpret_cast<void*>(lparam));
+    case kMeterSetRange: return SetRange(static_cast<INT32>(lparam), high != 0);
+    case kMeterGetDisplayRange: return display_range_;
+    case kMeterSetDisplayRange: return SetDisplayRange(number, at_once);
+    case kMeterGetStyle: return Style();
+    case kMeterChangeStyle: return ChangeStyle(LOWORD(wparam), is_on);
+    case kMeterGetChannelCount: return levels_.ChannelCount();
+    case kMeterSetChannelCount: return SetChannelCount(number, at_once);
+    case kMeterGetLabelFormat: return GetLabelFormat(wparam, reinterpret_cast<char*>(lparam));
+    case kMeterSetLabelFormat: return SetLabelFormat(reinterpret_cast<const char*>(lparam), (high & 1) != 0);
+    case kMeterResetClip: return ResetClip(at_once);
+    case kMeterResetHolds: return ResetHolds(at_once);
+    case kMeterGetPreferredSize: return PreferredThickness();
+    case kMeterGetBarBounds: return GetBarBounds(LOWORD(wparam), high, reinterpret_cast<RECT*>(lparam));
+    case kMeterSwitchPlainBars: return Switch(has_plain_bars_, is_on, at_once);
+    case kMeterSwitchNoTicks: return Switch(has_no_ticks_, is_on, at_once);
+    case kMeterGetOptions: return options_ & static_cast<DWORD>(wparam);
+    case kMeterChangeOptions: return ChangeOptions(static_cast<DWORD>(wparam), is_on);
+    default: return 0;
+  }
+}
+
+// Without a count the first channel's value is the answer.
+LRESULT MeterControl::GetValues(WPARAM wparam, LPARAM lparam, LevelOf value) const {
+  if (HIWORD(wparam) == 0) return value(levels_.Channel(0));
+  auto* const values = reinterpret_cast<INT32*>(lparam);
+  if (!values) return 0;
+  const int count = std::min<int>(HIWORD(wparam), levels_.ChannelCount());
+  for (int channel = 0; channel < count; ++channel) values[channel] = value(levels_.Channel(channel));
+  return count;
+}
+
+LRESULT MeterControl::SetValues(WPARAM wparam, LPARAM lparam, bool at_once, SetLevelOf set) {
+  const auto* const values = reinterpret_cast<const INT32*>(lparam);
+  if (HIWORD(wparam) == 0) {
+    (levels_.*set)(0, static_cast<INT32>(lparam));
+  } else if (values) {
+    const int count = std::min<int>(HIWORD(wparam), levels_.ChannelCount());
+    for (int channel = 0; channel < count; ++channel) (levels_.*set)(channel, values[channel]);
+  }
+  LevelsChanged(at_once);
+  return 0;
+}
+
+LRESULT MeterControl::GetRange(INT32* is_float, void* range) const {
+  if (range && levels_.IsFloat()) {
+    *static_cast<float*>(range) = static_cast<float>(1.0 / levels_.Steps());
+  } else if (range) {
+    *static_cast<INT32*>(range) = levels_.Steps();
+  }
+  if (range && is_float) *is_float = levels_.IsFloat() ? -1 : 0;
+  return levels_.Steps();
+}
+
+LRESULT MeterControl::SetRange(INT32 steps, bool is_float) {
+  levels_.SetRange(steps, is_float);
+  LookChanged(false);
+  LevelsChanged(false);
+  return levels_.Steps();
+}
+
+LRESULT MeterControl::SetDisplayRange(DWORD ratio, bool at_once) {
+  display_range_ = ratio;
+  LookChanged(at_once);
+  return ratio;
+}
+
+// The window's own style is the only copy; WM_STYLECHANGED does the rest.
+LRESULT MeterControl::ChangeStyle(DWORD bits, bool set) {
+  const auto style = static_cast<DWORD>(GetWindowLongW(window(), GWL_STYLE));
+  SetWindowLongW(window(), GWL_STYLE, static_cast<LONG>(set ? style | bits : style & ~bits));
+  return Style();
+}
+
+LRESULT MeterControl::SetChannelCount(DWORD count, bool at_once) {
+  const int channels = levels_.SetChannelCount(count);
+  LookChanged(at_once);
+  return channels;
+}
+
+LRESULT MeterControl::GetLabelFormat(std::size_t size, char* buffer) const {
+  if (!buffer || size == 0) return 0;
+  buffer[label_format_.copy(buffer, size - 1)] = '\0';
+  return lstrlenA(buffer);
+}
+
+LRESULT MeterControl::SetLabelFormat(const char* format, bool has_unit) {
+  has_unit_ = has_unit;
+  if (format) label_format_.assign(format, strnlen(format, kMaxLabelFormat));
+  LookChanged(false);
+  return 0;
+}
+
+LRESULT MeterControl::ResetClip(bool at_once) {
+  levels_.ResetClip();
+  LevelsChanged(at_once);
+  return 0;
+}
+
+LRESULT MeterControl::ResetHolds(bool at_once) {
+  levels_.ResetHolds();
+  LevelsChanged(at_once);
+  return 0;
+}
+
+LRESULT MeterControl::PreferredThickness() const {
+  const int strip_px = HasStyle(kMeterMeasureLabels) ? LabelStrip(IsVertical()) : 0;
+  return PreferredMeterThickness(levels_.ChannelCount(), strip_px, ScreenDpi());
+}
+
+LRESULT MeterControl::GetBarBounds(WORD what, int channel, RECT* bounds) const {
+  if (what != kMeterBarArea || channel >= levels_.ChannelCount() || !bounds) return FALSE;
+  *bounds = ToRECT(Look().layout.bars[static_cast<std::size_t>(channel)]);
+  return TRUE;
+}
+
+LRESULT MeterControl::Switch(bool& value, bool on, bool at_once) {
+  value = on;
+  LookChanged(at_once);
+  return on;
+}
+
+LRESULT MeterControl::ChangeOptions(DWORD mask, bool set) {
+  options_ = set ? options_ | mask : options_ & ~mask;
+  LookChanged(false);
+  return options_;
+}
+
+bool MeterControl::IsVertical() const {
+  if ((options_ & kMeterAutoOrientation) == 0) return HasStyle(kMeterVertical);
+  const Rect client = PartBounds(CHILDID_SELF);
+  return client.Height() > client.Width();
+}
+
+std::uint32_t MeterControl::ShownRatio() const {
+  return display_range_ > 0 ? display_range_ : static_cast<std::uint32_t>(levels_.Steps());
+}
+
+std::wstring MeterControl::WideLabelFormat() const {
+  wchar_t wide[kMaxLabelFormat];
+  const int length = MultiByteToWideChar(CP_ACP, 0, label_format_.data(), static_cast<int>(label_format_.size()), wide,
+                                         static_cast<int>(kMaxLabelFormat));
+  return {wide, static_cast<std::size_t>(std::max(length, 0))};
+}
+
+int MeterControl::LabelStrip(bool is_vertical) const {
+  return LabelStripThickness(window(), is_vertical, has_unit_, WideLabelFormat(), ShownRatio());
+}
+
+const MeterLook& MeterControl::Look() const {
+  if (look_) return *look_;
+  const Rect client = PartBounds(CHILDID_SELF);
+  const bool is_vertical = IsVertical();
+  const MeterShape shape{.client = {client.Width(), client.Height()},
+                         .dpi = ScreenDpi(),
+                         .is_vertical = is_vertical,
+                         .channel_count = levels_.ChannelCount(),
+                         .has_clip_indicators = HasStyle(kMeterClip),
+                         .label_strip_px = HasStyle(kMeterShowLabels) ? LabelStrip(is_vertical) : 0};
+  look_ = {.layout = ArrangeMeter(shape),
+           .scale = MeterScale(levels_.Steps(), levels_.IsFloat(), display_range_),
+           .dpi = shape.dpi,
+           .is_inverted = levels_.IsInverted(),
+           .is_enabled = IsWindowEnabled(window()) != FALSE,
+           .is_focused = GetFocus() == window(),
+           .has_plain_bars = has_plain_bars_,
+           .has_ticks = !has_no_ticks_,
+           .has_unit = has_unit_,
+           .label_format = WideLabelFormat()};
+  return *look_;
+}
+
+// A bar reaches from the quiet end to its level. What glows is the bar itself, or, for a gain reduction, what it lacks
+// to full scale: a compressor at rest is dark, and its reduction grows from the 0 dB end down.
+BarReadings MeterControl::Readings() const {
+  const MeterLook& look = Look();
+  const int length = look.layout.BarLength();
+  const auto place_of = [&](std::int32_t level) { return look.scale.LitLength(level, length); };
+  // No reduction is nothing to be marked.
+  const auto marker_at = [&](const HeldLevel& held) {
+    const int place = place_of(held.level);
+    return levels_.IsInverted() && place == length ? 0 : place;
+  };
+  BarReadings readings{};
+  for (int channel = 0; channel < levels_.ChannelCount(); ++channel) {
+    const MeterChannel& state = levels_.Channel(channel);
+    BarReading& reading = readings[static_cast<std::size_t>(channel)];
+    const int place = place_of(state.level);
+    if (!levels_.IsInverted()) {
+      reading.lit_to_px = place;
+    } else if (state.has_signal) {
+      reading.lit_from_px = place;
+      reading.lit_to_px = length;
+    }
+    if (HasStyle(kMeterHoldPeaks)) reading.peak_px = marker_at(state.peak);
+    if (HasStyle(kMeterHoldValleys)) reading.valley_px = marker_at(state.valley);
+    reading.is_clipped = levels_.IsClipped(channel);
+  }
+  return readings;
+}
+
+void MeterControl::LevelsChanged(bool at_once) {
+  const RECT well = ToRECT(Look().layout.well);
+  InvalidateRect(window(), &well, FALSE);
+  if (at_once) UpdateWindow(window());
+  // Levels change too often to be told of each time.
+  if (is_shown_clipped_ == levels_.IsAnyClipped()) return;
+  is_shown_clipped_ = !is_shown_clipped_;
+  Announce(EVENT_OBJECT_VALUECHANGE);
+}
+
+void MeterControl::LookChanged(bool at_once) {
+  look_.reset();
+  picture_.Discard();
+  Invalidate();
+  if (at_once) UpdateWindow(window());
+}
+
+LRESULT MeterControl::OnPaint() {
+  PAINTSTRUCT painting;
+  if (const HDC dc = BeginPaint(window(), &painting)) {
+    Paint(dc, FromRECT(painting.rcPaint));
+    EndPaint(window(), &painting);
+  }
+  return 0;
+}
+
+LRESULT MeterControl::OnPrint(HDC dc) {
+  Paint(dc, PartBounds(CHILDID_SELF));
+  return 0;
+}
+
+void MeterControl::Paint(HDC dc, const Rect& dirty) {
+  levels_.Hold(GetTickCount());
+  const MeterLook& look = Look();
+  if (picture_.Prepare(dc, look)) picture_.Show(dc, look, Readings(), dirty);
+}
+
+// Clicks where there is nothing to click on belong to the page.
+LRESULT MeterControl::OnHitTest(POINT screen) const {
+  if (HasStyle(kMeterMenu)) return HTCLIENT;
+  ScreenToClient(window(), &screen);
+  const Point client = {static_cast<int>(screen.x), static_cast<int>(screen.y)};
+  return HasStyle(kMeterClip) && Look().layout.ClipAt(client) ? HTCLIENT : HTTRANSPARENT;
+}
+
+void MeterControl::OnPress(Point client) {
+  const std::optional<int> channel = HasStyle(kMeterClip) ? Look().layout.ClipAt(client) : std::nullopt;
+  if (!channel) return;
+  levels_.ResetClip(*channel);
+  LevelsChanged(true);
+}
+
+LRESULT MeterControl::OnKey(WPARAM wparam, LPARAM lparam) {
+  if ((wparam != VK_SPACE && wparam != VK_RETURN) || !HasStyle(kMeterClip)) return Default(WM_KEYDOWN, wparam, lparam);
+  return ResetClip(true);
+}
+
+LRESULT MeterControl::OnContextMenu(WPARAM wparam, LPARAM lparam) {
+  if (reinterpret_cast<HWND>(wparam) != window() || !HasStyle(kMeterMenu)) {
+    return SendMessageW(Parent(), WM_CONTEXTMENU, wparam, lparam);
+  }
+  POINT place = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+  if (lparam == -1) {
+    place = {kKeyboardMenuOffsetPx, kKeyboardMenuOffsetPx};
+    ClientToScreen(window(), &place);
+  }
+  has_menu_open_ = true;
+  const int item_id = TrackMeterMenu(window(), place, {levels_.Steps(), display_range_, Style()});
+  has_menu_open_ = false;
+  if (IsAlive()) OnMenuItem(item_id);
+  return 0;
+}
+
+LRESULT MeterControl::OnMenuSelect(WPARAM wparam, LPARAM lparam) {
+  const WORD flags = HIWORD(wparam);
+  if (HasStyle(kMeterMenu) && lparam != 0 && (flags & (MF_POPUP | MF_SEPARATOR)) == 0) {
+    SendMenuHelp(NotifyTarget(window(), creation_parent_), window(), LOWORD(wparam), flags,
+                 reinterpret_cast<HMENU>(lparam));
+  }
+  return 0;
+}
+
+void MeterControl::OnMenuItem(int item_id) {
+  switch (item_id) {
+    case ID_METER_RESET_CLIP: ResetClip(true); return;
+    case ID_METER_SHOW_LABELS: ChangeStyle(kMeterShowLabels, !HasStyle(kMeterShowLabels)); return;
+    case ID_METER_HOLD_PEAKS: ChangeStyle(kMeterHoldPeaks, !HasStyle(kMeterHoldPeaks)); return;
+    case ID_METER_HOLD_VALLEYS: ChangeStyle(kMeterHoldValleys, !HasStyle(kMeterHoldValleys)); return;
+  }
+  const auto* const range = std::ranges::find(kMeterRanges, item_id, &MeterRange::item_id);
+  if (range == kMeterRanges.end()) return;
+  display_range_ = DisplayRangeOf(*range, levels_.Steps());
+  const auto id = static_cast<UINT_PTR>(Id());
+  NMHDR notification = {window(), id, kNotifyMeterRange};
+  SendMessageW(Parent(), WM_NOTIFY, id, reinterpret_cast<LPARAM>(&notification));
+  if (IsAlive()) LookChanged(true);
+}
+
+// A menu does not outlive its meter.
+void MeterControl::OnDestroy() {
+  if (has_menu_open_) EndMenu();
+}
+
+LONG MeterControl::PartRole(int /*part*/) const { return ROLE_SYSTEM_INDICATOR; }
+
+std::wstring MeterControl::PartValue(int /*part*/) const {
+  std::wstring value;
+  const MeterScale scale(levels_.Steps(), levels_.IsFloat(), 0);
+  for (int channel = 0; channel < levels_.ChannelCount(); ++channel) {
+    if (channel > 0) value += L", ";
+    const double amplitude = scale.AmplitudeOf(levels_.Channel(channel).level);
+    value += amplitude > 0.0 ? MeterNumber(kValueFormat, 20.0 * std::log10(amplitude)) : kSilence;
+    value += kDecibelUnit;
+  }
+  return levels_.IsAnyClipped() ? value + L", clipped" : value;
+}
+
+std::wstring MeterControl::PartAction(int /*part*/) const { return HasStyle(kMeterClip) ? L"Reset Clip" : L""; }
+
+void MeterControl::PressPart(int /*part*/) { ResetClip(true); }
+
+}  // namespace tervan::ui

@@ -1,0 +1,111 @@
+#include "ui/controls/meter_levels.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <limits>
+#include <vector>
+
+namespace tervan::ui {
+namespace {
+
+constexpr std::int32_t Bits(float level) { return std::bit_cast<std::int32_t>(level); }
+
+constexpr std::int32_t kHalf = Bits(0.5F);
+constexpr std::int32_t kFull = Bits(1.0F);
+constexpr std::int32_t kLoud = Bits(1.5F);
+constexpr std::int32_t kInfinite = Bits(std::numeric_limits<float>::infinity());
+constexpr std::int32_t kNan = Bits(std::numeric_limits<float>::quiet_NaN());
+
+TEST(MeterLevels, EachLevelGoesWhereItBelongs) {
+  const struct {
+    bool is_inverted;
+    std::int32_t steps;  // 0: float mode
+    std::vector<std::int32_t> levels;
+    std::int32_t level;
+    std::int32_t extreme;
+    bool is_clipped = false;
+  } rows[] = {
+      {false, 0, {kHalf, Bits(0.25F)}, Bits(0.25F), kHalf},
+      {false, 0, {kFull}, kFull, kFull},
+      {false, 0, {kLoud, kHalf}, kHalf, kLoud, true},
+      {false, 0, {kLoud, 0}, 0, kLoud, true},
+      {false, 0, {kLoud, -1}, 0, 0},
+      {false, 0, {kLoud, Bits(-0.0F)}, 0, 0},
+      {false, 0, {kLoud, Bits(-2.0F)}, 0, 0},
+      {false, 0, {kInfinite}, kFull, kInfinite, true},
+      {false, 0, {kNan}, kFull, kNan, true},
+      {false, 0, {kLoud, std::numeric_limits<std::int32_t>::min()}, 0, 0},
+      {true, 0, {kFull}, kFull, kFull},
+      {true, 0, {kFull, kHalf, kFull}, kFull, kHalf},
+      {true, 0, {kHalf, 0}, 0, kHalf},
+      {true, 0, {kHalf, kLoud}, kFull, kLoud, true},
+      {true, 0, {kHalf, -1}, 0, kFull},
+      {false, 400, {399}, 399, 399},
+      {false, 400, {400}, 399, 400, true},
+      {true, 400, {7, 9}, 9, 7},
+      {false, 1, {0}, 0, 0},
+      {false, -5, {1}, 0, 1, true},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << testing::PrintToString(row.levels) << " of " << row.steps);
+    MeterLevels levels(row.is_inverted);
+    levels.SetRange(row.steps == 0 ? 32767 : row.steps, row.steps == 0);
+    for (const std::int32_t level : row.levels) levels.SetLevel(0, level);
+    EXPECT_EQ(levels.Channel(0).level, row.level);
+    EXPECT_EQ(levels.Channel(0).has_signal, row.levels.back() >= 0);
+    EXPECT_EQ(levels.Channel(0).extreme, row.extreme);
+    EXPECT_EQ(levels.IsClipped(0), row.is_clipped);
+    EXPECT_EQ(levels.IsAnyClipped(), row.is_clipped);
+  }
+}
+
+TEST(MeterLevels, PeaksAndValleysWaitSevenTenthsOfASecond) {
+  constexpr std::uint32_t kStart = 0xFFFFFF00;  // the clock wraps around on the way
+  const struct {
+    std::uint32_t ms;
+    std::int32_t level, peak, valley;
+  } events[] = {
+      {0, 50, 50, 50},   {100, 80, 80, 50},  {500, 30, 80, 30},  {700, 40, 80, 30}, {799, 40, 80, 30},
+      {800, 40, 40, 30}, {1199, 60, 60, 30}, {1200, 60, 60, 60}, {1300, 0, 0, 0},   {1400, 20, 20, 0},
+      {1999, 25, 25, 0}, {2000, 25, 25, 25}, {2100, -1, 0, 0},
+  };
+  MeterLevels levels(false);
+  levels.SetRange(100, false);
+  for (const auto& event : events) {
+    SCOPED_TRACE(event.ms);
+    levels.SetLevel(0, event.level);
+    levels.Hold(kStart + event.ms);
+    EXPECT_EQ(levels.Channel(0).peak.level, event.peak);
+    EXPECT_EQ(levels.Channel(0).valley.level, event.valley);
+  }
+}
+
+TEST(MeterLevels, ResetsTouchWhatTheyNameAndNothingElse) {
+  for (const bool is_inverted : {false, true}) {
+    MeterLevels levels(is_inverted);
+    EXPECT_EQ(levels.Channel(0).extreme, is_inverted ? 32767 : 0);
+    EXPECT_EQ(levels.SetChannelCount(0xFFFFFFFF), kMaxMeterChannels);
+    levels.SetRange(400, true);
+    levels.SetLevel(1, kLoud);
+    levels.SetLevel(5, kLoud);
+    levels.SetLevel(5, kHalf);
+    levels.Hold(5000);
+    levels.ResetHolds();
+    EXPECT_EQ(levels.Channel(5).peak.level, is_inverted ? kFull : 0);
+    EXPECT_EQ(levels.Channel(5).valley.level, is_inverted ? kFull : 0);
+    levels.ResetClip(5);
+    EXPECT_EQ(levels.Channel(5).extreme, kHalf);
+    EXPECT_EQ(levels.Channel(1).extreme, kLoud);
+    levels.ResetClip();
+    EXPECT_EQ(levels.Channel(1).extreme, kFull);
+    levels.SetExtreme(1, -7);
+    EXPECT_EQ(levels.Channel(1).extreme, 0);
+    levels.SetRange(50, false);
+    EXPECT_EQ(levels.Channel(5).extreme, is_inverted ? 49 : 0);
+    EXPECT_EQ(levels.Channel(5).level, kHalf);
+  }
+}
+
+}  // namespace
+}  // namespace tervan::ui

@@ -1,0 +1,171 @@
+#include "ui/controls/meter_scale.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+#include "ui/controls/meter_label_format.h"
+#include "ui/controls/meter_ranges.h"
+
+namespace tervan::ui {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr int kLength = 300;
+constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+
+std::int32_t AtDb(double db) { return std::bit_cast<std::int32_t>(static_cast<float>(std::pow(10.0, db / 20.0))); }
+
+TEST(MeterScale, LightsAsMuchAsTheDecibelsSay) {
+  const struct {
+    std::int32_t steps;
+    std::uint32_t display_range;
+    int span_db;
+    std::int32_t level;
+    int lit;
+  } rows[] = {
+      {32767, 0, 90, AtDb(0), 300},      {32767, 0, 90, AtDb(-20 * std::log10(2)), 280},  // 6.02 of 90.31 dB
+      {32767, 0, 90, AtDb(-90), 2},      {32767, 0, 90, AtDb(-91), 0},
+      {32767, 128, 42, AtDb(-21), 150},  {32767, 128, 42, AtDb(-41.9), 2},
+      {32767, 128, 42, AtDb(-42.1), 0},  {400, 16, 24, AtDb(-6), 225},
+      {400, 0, 52, AtDb(-26.0206), 150}, {400, 1 << 20, 120, AtDb(-53), 0},  // below a step
+      {2, 0, 6, AtDb(-3), 151},                                              // 149.5 + 0.45 pixels are dark
+  };
+  for (const auto& row : rows) {
+    const MeterScale scale(row.steps, true, row.display_range);
+    SCOPED_TRACE(testing::Message() << row.steps << ", " << row.display_range << ": " << row.lit);
+    EXPECT_EQ(scale.SpanDb(), row.span_db);
+    EXPECT_EQ(scale.LitLength(row.level, kLength), row.lit);
+  }
+  const MeterScale integers(32768, false, 0);
+  EXPECT_EQ(integers.LitLength(32767, kLength), 300);
+  EXPECT_EQ(integers.LitLength(181, kLength), 150);  // 2^7.5 of 2^15
+  EXPECT_EQ(integers.LitLength(0, kLength), 0);
+}
+
+TEST(MeterScale, TicksStandWhereTheirLevelsEnd) {
+  for (const MeterRange& range : kMeterRanges) {
+    const MeterScale scale(32767, true, DisplayRangeOf(range, 32767));
+    const std::vector<int> ticks = MeterTicks(scale, kLength, 1);
+    EXPECT_EQ(ticks.size(), static_cast<std::size_t>(scale.SpanDb() / 3 + 1));
+    for (const int db_below : ticks) {
+      EXPECT_NEAR(scale.LitLength(AtDb(-db_below + 1e-4), kLength), std::max(scale.PlaceOf(db_below, kLength), 2), 1);
+    }
+  }
+  EXPECT_THAT(MeterTicks(MeterScale(32767, true, 128), 30, 3), ElementsAre(0, 6, 12, 18, 24, 30, 36, 42));
+}
+
+TEST(MeterScale, StaysWithinTheBarWhateverItIsGiven) {
+  for (const std::int32_t steps : {1, 2, 400, kMax}) {
+    for (const std::uint32_t display_range : {0U, 1U, 2U, 128U, 0xFFFFFFFFU}) {
+      for (const bool is_float : {false, true}) {
+        const MeterScale scale(steps, is_float, display_range);
+        for (const std::int32_t level : {0, 1, 2, 0x3F800000, 0x7F800000, 0x7FC00000, kMax, -1, -kMax - 1}) {
+          for (const int length : {0, 1, 2, kLength}) {
+            const int lit = scale.LitLength(level, length);
+            ASSERT_TRUE(lit >= 0 && lit <= length) << steps << ", " << display_range << ", " << level;
+          }
+        }
+        for (const int length : {0, 1, kLength}) {
+          EXPECT_FALSE(MeterTicks(scale, length, 3).empty());
+          EXPECT_FALSE(ChooseLabels(scale, length, {0, 40, 2}, [](int) { return 30; }).empty());
+        }
+      }
+    }
+  }
+}
+
+TEST(MeterScale, LabelsNeverOverlapOrLeaveTheirRoom) {
+  for (const MeterRange& range : kMeterRanges) {
+    const MeterScale scale(1 << 24, true, static_cast<std::uint32_t>(range.ratio));
+    for (int length = 10; length < 700; length += 7) {
+      const LabelRoom room{-1, length + 9, 4};
+      const auto labels = ChooseLabels(scale, length, room, [](int db_below) { return db_below < 10 ? 20 : 27; });
+      int louder_start = room.end_px + room.gap_px;
+      for (const ScaleLabel& label : labels) {
+        ASSERT_LE(label.end_px + room.gap_px, louder_start) << length << ", " << range.ratio;
+        ASSERT_GE(label.start_px, room.start_px);
+        EXPECT_EQ(label.db_below % kMeterTickDb, 0);
+        louder_start = label.start_px;
+      }
+    }
+  }
+  // 6 dB are 43 pixels: enough for 36 and a gap of 6, but the label at the end would have to move into its neighbour.
+  const auto labels = ChooseLabels(MeterScale(32767, true, 128), kLength, {-1, 320, 6}, [](int) { return 36; });
+  ASSERT_EQ(labels.size(), 7U);
+  EXPECT_EQ(labels.front(), (ScaleLabel{0, 282, 318}));
+  EXPECT_EQ(labels.back(), (ScaleLabel{36, 25, 61}));
+}
+
+TEST(MeterRanges, OffersWhatTheMeterCanShowAndMarksWhatItShows) {
+  const struct {
+    std::int32_t steps;
+    std::uint32_t display_range;
+    int last_offered;
+    int marked;  // 0: none
+  } rows[] = {
+      {32767, 128, ID_METER_RANGE_78_DB, ID_METER_RANGE_42_DB},
+      {32767, 0, ID_METER_RANGE_78_DB, 0},
+      {32768, 0, ID_METER_RANGE_90_DB, ID_METER_RANGE_90_DB},
+      {32768, 32768, ID_METER_RANGE_90_DB, ID_METER_RANGE_90_DB},
+      {32768, 77, ID_METER_RANGE_90_DB, 0},
+      {400, 16, ID_METER_RANGE_42_DB, ID_METER_RANGE_24_DB},
+      {200, 0, ID_METER_RANGE_42_DB, ID_METER_RANGE_42_DB},
+      {200, 200, ID_METER_RANGE_42_DB, ID_METER_RANGE_42_DB},
+      {kMax, 1 << 23, ID_METER_RANGE_138_DB, ID_METER_RANGE_138_DB},
+      {1, 0, 0, 0},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.steps << ", " << row.display_range);
+    int last_offered = 0;
+    int marked = 0;
+    for (const MeterRange& range : kMeterRanges) {
+      if (!IsOffered(range, row.steps)) continue;
+      last_offered = range.item_id;
+      if (IsMarked(range, row.steps, row.display_range)) marked = range.item_id;
+    }
+    EXPECT_EQ(last_offered, row.last_offered);
+    EXPECT_EQ(marked, row.marked);
+  }
+  EXPECT_EQ(DisplayRangeOf(kMeterRanges[5], 32768), 0U);
+  EXPECT_EQ(DisplayRangeOf(kMeterRanges[5], 32769), 32768U);
+}
+
+TEST(MeterLabelFormat, FormatsOneNumberAndNothingElse) {
+  const struct {
+    std::u16string_view format;
+    double value;
+    std::u16string_view text;
+  } rows[] = {
+      {u"$.1f", -12, u"-12,0"},
+      {u"$.1f", 0, u"0,0"},
+      {u"$f", -0.25, u"-0,250000"},
+      {u"$+.0f dB", 3.5, u"+4 dB"},
+      {u"[$6.1f]", -6, u"[  -6,0]"},
+      {u"[$-6.1f]", -6, u"[-6,0  ]"},
+      {u"$06.1f", -6, u"-006,0"},
+      {u"$ d", 12.4, u" 12"},
+      {u"$g", -12, u"-12"},
+      {u"$.2e", -120, u"-1,20e+02"},
+      {u"$i$$", -3, u"-3$"},
+      {u"$d$d", 1, u"1$d"},
+      {u"$s$n", 1, u"$s$n"},
+      {u"$*.*f", 1, u"$*.*f"},
+      {u"%s$", 1, u"%s$"},
+      {u"$99999999999d", 7, u"               7"},
+      {u"$.999999999f", 1, u"1,000000000"},
+      {u"$.9f", -1e300, u"-1000000000,000000000"},
+      {u"", 1, u""},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(FormatLabel(row.format, row.value, u","), row.text) << testing::PrintToString(std::u16string(row.format));
+  }
+}
+
+}  // namespace
+}  // namespace tervan::ui
