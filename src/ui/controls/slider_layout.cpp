@@ -13,6 +13,8 @@ struct Measures {
   int channel;     // thickness
 };
 
+constexpr int kRing = 1;  // room on both sides of the thumb for that of the focus
+
 constexpr Measures kTrackbarMeasures = {.thumb_along = 10, .thumb_across = 30, .end_margin = 6, .channel = 5};
 constexpr Measures kFaderMeasures = {.thumb_along = 14, .thumb_across = 30, .end_margin = 8, .channel = 8};
 
@@ -66,8 +68,7 @@ SliderLayout LayOutSlider(SliderKind kind, bool is_vertical, Size client, int dp
   layout.track_start = is_vertical ? along - margin : margin;
   layout.track_px = along - 2 * margin;
   layout.thumb_along_px = std::min(AtDpi(measures.thumb_along, dpi), along);
-  // A pixel stays free on both sides for the ring of the focus.
-  layout.thumb_across_px = Centred(AtDpi(measures.thumb_across, dpi), std::max(across - 2, 0));
+  layout.thumb_across_px = Centred(AtDpi(measures.thumb_across, dpi), std::max(across - 2 * AtDpi(kRing, dpi), 0));
   layout.channel = layout.Between(-std::min(thickness / 2, margin), layout.track_px + std::min(thickness / 2, margin));
   const int edge = (across - thickness) / 2;
   if (is_vertical) {
