@@ -56,10 +56,11 @@ class Painter {
       drawer_.Draw(dc_, pictures.background, client);
     }
     const Rect area = scene_.layout.picture;
-    const int width_px = AtDpi(pictures.logo.size().width, scene_.dpi);
+    const Size logo = {AtDpi(pictures.logo.size().width, scene_.dpi), AtDpi(pictures.logo.size().height, scene_.dpi)};
+    const int top = (area.Height() - logo.height) / 2;
     SaveDC(dc_);
     IntersectClipRect(dc_, area.left, area.top, area.right, area.bottom);  // items cut it off
-    drawer_.Draw(dc_, pictures.logo, {area.left, area.top, area.left + width_px, area.bottom});
+    drawer_.Draw(dc_, pictures.logo, {area.left, top, area.left + logo.width, top + logo.height});
     RestoreDC(dc_, -1);
   }
 
