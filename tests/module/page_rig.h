@@ -1,0 +1,66 @@
+// Property pages as hosts know them: what differs between them, as one table, and a page in a frame's window.
+#pragma once
+#include <ocidl.h>
+
+#include <functional>
+
+#include "module/effects.h"
+
+namespace tervan::test {
+
+using Texts = std::vector<std::wstring>;
+
+struct PageRow {
+  EffectIndex effect;
+  const wchar_t* title;
+  SIZE size;  // dialog units
+  DWORD help_context;
+  std::vector<std::pair<int, std::vector<int>>> topics;  // text of context help, controls that it explains
+  std::vector<int> value_controls;                       // their texts show the settings
+  Texts fresh;                                           // these texts of a new filter
+  LONG preset;
+  Texts of_preset;
+  EffectIndex wrong;  // whose filter the page cannot show
+};
+
+const PageRow& PageOf(EffectIndex effect);
+
+struct Menu {
+  POINT place;
+  std::vector<std::pair<UINT, std::wstring>> items, presets;  // command, text
+};
+
+// A page and a window for it; connected and shown when the test does so, both undone at the end.
+class Page {
+ public:
+  explicit Page(EffectIndex effect);
+  ~Page();
+
+  HRESULT Connect(IUnknown* object) const { return page->SetObjects(object ? 1 : 0, object ? &object : nullptr); }
+  HRESULT Open() const;
+  void Close() const { EXPECT_EQ(page->Deactivate(), S_OK); }
+  void OpenFor(const Filter& filter) const;
+
+  HWND Dialog() const { return GetWindow(frame, GW_CHILD); }
+  HWND Control(int id) const;
+  LRESULT Send(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const;
+  LRESULT SendTo(int id, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const;
+  void Command(int id, int code = 0) const { Send(WM_COMMAND, MAKEWPARAM(id, code)); }
+  std::wstring TextOf(int id) const;
+  // What the page shows of the settings, once it has handled all that was posted to it.
+  Texts Shown() const;
+
+  // Sends a message that opens a menu or a box, and acts while that is open.
+  void Meanwhile(UINT message, WPARAM wparam, LPARAM lparam, const std::function<void()>& act) const;
+  // Opens the popup menu, and presses the keys in it.
+  Menu PopUpMenu(LPARAM at, const std::vector<WORD>& keys = {VK_ESCAPE}) const;
+
+  const PageRow& row;
+  HWND frame;
+  ComPtr<IPropertyPage> page;
+};
+
+void HandlePostedMessages();
+std::wstring TextOf(HWND window);
+
+}  // namespace tervan::test
