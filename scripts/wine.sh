@@ -80,7 +80,7 @@ prefix_works() {
 
 # furnish_prefix ARCH PURPOSE: what windows need to look as on Windows.
 furnish_prefix() {
-  # Debian's Wine looks for its own fonts where Debian does not put them. Links, for the fonts of the Wine that follows them.
+  # Debian's Wine looks for its own fonts where Debian does not put them. Links, since each Wine brings its own.
   ln -sf /usr/share/wine/fonts/* "$prefix/drive_c/windows/Fonts/"
   # Desktops of our own have no window manager that would frame a window.
   [[ $2 != test ]] || in_wine "$1" "$prefix" wine reg add 'HKCU\Software\Wine\AppDefaults\tervan-host.exe\X11 Driver' \

@@ -17,6 +17,8 @@ import pytest
 ROOT = pathlib.Path(__file__).parents[2]
 HOST = pathlib.Path(os.environ.get("TERVAN_HOST", ROOT / "build/x64/tervan-host.exe"))
 RUNNER = shlex.split(os.environ.get("TERVAN_RUNNER", f"{ROOT}/scripts/wine-run x64 run"))
+# For programs with windows: the purpose of wine-run that, with no DISPLAY, brings a desktop of its own.
+WINDOW_RUNNER = ["show" if word == "run" else word for word in RUNNER]
 
 
 @dataclasses.dataclass
@@ -41,17 +43,22 @@ class Host:
     def __init__(self, folder):
         self.folder = folder
 
-    def start(self, *arguments, program=HOST, out=subprocess.DEVNULL, err=subprocess.DEVNULL):
-        command = [*RUNNER, str(program), *map(str, arguments)]
-        return subprocess.Popen(command, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=out, stderr=err)
+    def start(self, *arguments, program=HOST, runner=RUNNER, out=subprocess.DEVNULL, err=subprocess.DEVNULL):
+        command = [*runner, str(program), *map(str, arguments)]
+        env = {name: value for name, value in os.environ.items() if name != "DISPLAY"}
+        return subprocess.Popen(command, cwd=self.folder, env=env, stdin=subprocess.DEVNULL, stdout=out, stderr=err)
 
-    def run(self, *arguments, program=HOST):
+    def run(self, *arguments, program=HOST, runner=RUNNER, timeout_s=120):
         # Into files, not pipes: Wine's server inherits them and lives on for seconds, and a pipe would be waited for.
         with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
-            code = self.start(*arguments, program=program, out=out, err=err).wait(120)
+            code = self.start(*arguments, program=program, runner=runner, out=out, err=err).wait(timeout_s)
             out.seek(0)
             err.seek(0)
             return Result(code, out.read().decode(), without_wine(err.read().decode()))
+
+    def show(self, *arguments):
+        """A program with windows, which has to wait for the desktop: it belongs to one at a time."""
+        return self.run(*arguments, runner=WINDOW_RUNNER, timeout_s=600)
 
     def render(self, *arguments):
         """One that must succeed."""
