@@ -108,6 +108,10 @@ template <class Control>
 class EffectPageFor : public EffectPage {
  protected:
   using EffectPage::EffectPage;
+  // A page that is released while it is shown takes its window along without another message.
+  ~EffectPageFor() override {
+    if (control_ && Dialog()) control_->SetNotifyWindow(Dialog(), 0);
+  }
 
   HRESULT TakeControl(IUnknown* object) final {
     control_ = directshow::Query<Control>(object);
