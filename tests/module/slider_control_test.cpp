@@ -1,0 +1,293 @@
+// Trackbar and fader as pages reach them: window classes by name, messages by number.
+#include <windows.h>
+
+#include <commctrl.h>
+#include <oleacc.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+
+#include "module/module.h"
+
+namespace tervan::test {
+namespace {
+
+constexpr const wchar_t* kTrackbar = L"qvmodfx1Bld244TrackbarClass";
+constexpr const wchar_t* kFader = L"qvmodfx1Bld244FaderClass";
+constexpr DWORD kVertical = 1, kTwoThumbs = 0x40, kTapered = 0x80, kNotifies = 0x8000;
+constexpr UINT kGet = 0x60A, kGetMinimum = 0x60B, kGetMaximum = 0x60C, kSetRange = 0x60D, kSetMinimum = 0x60E;
+constexpr UINT kSetMaximum = 0x60F, kSet = 0x610, kSetDefault = 0x611, kMetrics = 0x61E, kSetUp = 0x62D;
+constexpr UINT kSetThumb = 0x62F, kGetThumb = 0x630;
+
+struct Thumbs {
+  NMHDR header;
+  LPARAM user_data;
+  INT32 count, code;
+  const INT32* positions;
+};
+
+// The parent of one slider at a time; writes down what it is told.
+class SliderTest : public ModuleTest {
+ protected:
+  void SetUp() override {
+    const HINSTANCE program = GetModuleHandleW(nullptr);
+    WNDCLASSW own = {};
+    own.lpfnWndProc = Procedure;
+    own.hInstance = program;
+    own.lpszClassName = L"SliderTestParent";
+    RegisterClassW(&own);
+    parent =
+        CreateWindowW(own.lpszClassName, L"", WS_POPUP | WS_VISIBLE, 0, 0, 300, 200, nullptr, nullptr, program, this);
+    ASSERT_NE(parent, nullptr);
+  }
+  void TearDown() override { DestroyWindow(parent); }
+
+  HWND Make(const wchar_t* name, DWORD style = 0, int width = 112, int height = 24) {
+    heard.clear();
+    return slider = CreateWindowW(name, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, width, height, parent,
+                                  reinterpret_cast<HMENU>(7), nullptr, reinterpret_cast<void*>(77));
+  }
+  LRESULT Send(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
+    return SendMessageW(slider, message, wparam, lparam);
+  }
+  int Number(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
+    return static_cast<int>(Send(message, wparam, lparam));
+  }
+  // The mouse at a place of the track, in hundredths, of a slider of the usual size.
+  LRESULT Mouse(UINT message, int hundredths) {
+    const auto metrics = static_cast<DWORD>(Send(kMetrics));
+    const int margin = (112 - LOWORD(metrics)) / 2;
+    return Send(message, MK_LBUTTON, MAKELPARAM(margin + hundredths * LOWORD(metrics) / 100, 12));
+  }
+
+  HWND parent = nullptr, slider = nullptr;
+  std::string heard;
+  std::function<void(const std::string&)> on_hearing = [](const std::string&) {};
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_NCCREATE) {
+      SetWindowLongPtrW(window, GWLP_USERDATA,
+                        reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams));
+    }
+    auto* const test = reinterpret_cast<SliderTest*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (test) test->Hear(message, wparam, lparam);
+    return DefWindowProcW(window, message, wparam, lparam);
+  }
+  void Hear(UINT message, WPARAM wparam, LPARAM lparam) {
+    std::string what;
+    if (message == WM_HSCROLL || message == WM_VSCROLL) {
+      what = (message == WM_HSCROLL ? "H" : "V") + std::to_string(LOWORD(wparam));
+      if (HIWORD(wparam) != 0) what += "=" + std::to_string(static_cast<SHORT>(HIWORD(wparam)));
+      EXPECT_EQ(reinterpret_cast<HWND>(lparam), slider);
+    } else if (message == WM_COMMAND) {
+      what = "C" + std::to_string(LOWORD(wparam)) + "." + std::to_string(HIWORD(wparam));
+    } else if (message == WM_NOTIFY) {
+      const auto& thumbs = *reinterpret_cast<const Thumbs*>(lparam);
+      what = "N" + std::to_string(static_cast<int>(thumbs.header.code));
+      if (thumbs.header.code == static_cast<UINT>(-102)) what += "=" + std::to_string(thumbs.user_data);
+      if (thumbs.header.code == static_cast<UINT>(-104)) {
+        EXPECT_EQ(thumbs.count, 2);
+        what += "." + std::to_string(thumbs.code) + "=" + std::to_string(thumbs.positions[1]);
+      }
+    }
+    if (what.empty()) return;
+    heard += what + " ";
+    on_hearing(what);
+  }
+};
+
+TEST_F(SliderTest, ClassesAreGlobal) {
+  for (const wchar_t* const name : {kTrackbar, kFader}) {
+    WNDCLASSEXW found = {};
+    found.cbSize = sizeof found;
+    ASSERT_TRUE(GetClassInfoExW(GetModuleHandleW(nullptr), name, &found));
+    EXPECT_EQ(found.style, UINT{CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW});
+    EXPECT_EQ(found.cbWndExtra, static_cast<int>(sizeof(void*)));
+    EXPECT_EQ(found.hCursor, name == kFader ? nullptr : LoadCursorW(nullptr, IDC_ARROW));
+  }
+}
+
+TEST_F(SliderTest, KeepsWhatItIsSetTo) {
+  Make(kTrackbar, kTapered);
+  EXPECT_EQ(Number(kGet), 50);
+  Send(kSetRange, 0, MAKELPARAM(static_cast<WORD>(-600), 0));
+  EXPECT_EQ(Number(kGetMinimum), -600);
+  EXPECT_EQ(Number(kGetMaximum), 0);
+  EXPECT_EQ(Number(kGet), 0);
+  EXPECT_EQ(Number(kSet, 1, 9), 0);
+  EXPECT_EQ(Number(kSet, 1, -601), -600);
+  EXPECT_EQ(Number(kSetDefault, 0, -700), -600);
+  EXPECT_EQ(Number(0x61F, 1, 3), -1);
+  EXPECT_EQ(Number(0x61F, 1, 2), 0);
+  EXPECT_EQ(static_cast<COLORREF>(Send(0x628)), GetSysColor(COLOR_BTNFACE));
+  Send(0x627, 0, RGB(1, 2, 3));
+  EXPECT_EQ(static_cast<COLORREF>(Send(0x628)), RGB(1, 2, 3));
+  EXPECT_EQ(Send(0x62A), 77);
+  Make(kFader);
+  Send(kSetMinimum, 0, -60), Send(kSetMaximum, 0, 70000);
+  EXPECT_EQ(Number(kSet, 1, 70001), 70001) << "stored as given";
+  EXPECT_EQ(Number(kSetThumb, MAKEWPARAM(1, 1), -5), -5);
+  EXPECT_EQ(Number(kGetThumb, MAKEWPARAM(0, 1)), -5);
+  EXPECT_EQ(Number(kSetThumb, MAKEWPARAM(1, 2), 9), 0) << "there is no second thumb";
+  EXPECT_EQ(heard, "");
+}
+
+TEST_F(SliderTest, ADragEndsOnceHoweverItEnds) {
+  struct Case {
+    const char* how;
+    std::function<void()> end;
+    const char* heard;
+  };
+  const Case cases[] = {
+      {"button", [this] { Mouse(WM_LBUTTONUP, 60); }, "H4=60 H8 "},
+      {"capture", [this] { SetCapture(parent), ReleaseCapture(); }, "H4=60 H8 "},
+      {"cancelled", [this] { Send(WM_CANCELMODE); }, "H4=60 H8 "},
+      {"disabled", [this] { EnableWindow(slider, FALSE); }, "H4=60 H8 "},
+      {"hidden", [this] { ShowWindow(slider, SW_HIDE); }, "H4=60 H8 "},
+      {"destroyed, which hides it first", [this] { DestroyWindow(slider); }, "H4=60 H8 "},
+      {"Escape", [this] { Send(WM_KEYDOWN, VK_ESCAPE); }, "H8 "},
+  };
+  for (const auto& [how, end, ended] : cases) {
+    SCOPED_TRACE(how);
+    Make(kTrackbar);
+    Mouse(WM_LBUTTONDOWN, 50), Mouse(WM_MOUSEMOVE, 60);
+    EXPECT_EQ(heard, "H9 H5=60 ");
+    EXPECT_EQ(GetCapture(), slider);
+    SetFocus(parent);
+    EXPECT_TRUE(Send(WM_GETDLGCODE) & DLGC_WANTALLKEYS);
+    heard.clear();
+    end();
+    EXPECT_EQ(heard, ended);
+    EXPECT_EQ(GetCapture(), nullptr);
+    Mouse(WM_LBUTTONUP, 60), Send(WM_CAPTURECHANGED);
+    EXPECT_EQ(heard, ended);
+    if (IsWindow(slider)) {
+      EXPECT_FALSE(Send(WM_GETDLGCODE) & DLGC_WANTALLKEYS);
+      heard.clear(), EnableWindow(slider, FALSE), Mouse(WM_LBUTTONDOWN, 10), Send(WM_MOUSEWHEEL, 120 << 16);
+      EXPECT_EQ(heard, "") << "disabled";
+      DestroyWindow(slider);
+    }
+  }
+}
+
+TEST_F(SliderTest, TellsOfKeysFocusAndPresses) {
+  Make(kTrackbar, kNotifies);
+  Send(kSetMaximum, 0, 500);
+  SetFocus(slider);
+  Send(WM_KEYDOWN, '5'), Send(WM_KEYUP, '5'), Send(WM_KEYDOWN, VK_RIGHT), SetFocus(parent);
+  EXPECT_EQ(heard, "C7.1 H4=250 H8 H1 H8 N-8 ");
+  heard.clear(), Send(WM_KEYDOWN, VK_F1), Send(WM_KEYDOWN, VK_CLEAR);
+  EXPECT_EQ(heard, "N-102=112 ");
+  heard.clear(), Mouse(WM_LBUTTONDOWN, 80), Mouse(WM_LBUTTONUP, 80);
+  EXPECT_EQ(heard, "C7.1 C7.3 H9 H3 H8 C7.4 ");
+  Make(kFader, kVertical, 42, 120), Send(WM_MOUSEWHEEL, 120 << 16), Send(WM_KEYDOWN, VK_F1);
+  EXPECT_EQ(heard, "V9 V2 V8 ");
+}
+
+TEST_F(SliderTest, AFaderOfTwoThumbs) {
+  Make(kFader);
+  const INT32 set_up[] = {0, 1000, 500, 5, 0, kTwoThumbs, kTwoThumbs, 100, 900};
+  Send(kSetUp, 0, reinterpret_cast<LPARAM>(set_up));
+  INT32 positions[2] = {};
+  Send(kGetThumb, 0, reinterpret_cast<LPARAM>(positions));
+  EXPECT_THAT(positions, testing::ElementsAre(100, 900));
+  Send(0x62E, 0, 3), Send(WM_KEYDOWN, VK_PRIOR), Send(WM_KEYDOWN, 'R'), Send(WM_KEYDOWN, VK_LEFT),
+      Send(WM_KEYUP, VK_LEFT);
+  EXPECT_EQ(heard, "N-104.2=1000 N-104.1=995 N-104.8=995 ");
+  EXPECT_EQ(Number(kGet), 200);
+}
+
+// A page may close inside any notification. What was told before it closed is all that is told.
+TEST_F(SliderTest, MayBeDestroyedByWhoeverIsTold) {
+  const std::function<void()> actions[] = {
+      [this] { Mouse(WM_LBUTTONDOWN, 50), Mouse(WM_MOUSEMOVE, 60), Mouse(WM_LBUTTONUP, 60); },
+      [this] { Mouse(WM_LBUTTONDOWN, 90), Send(WM_TIMER, 42), Mouse(WM_LBUTTONUP, 90); },
+      [this] { Mouse(WM_LBUTTONDBLCLK, 50), Mouse(WM_LBUTTONUP, 50); },
+      [this] { Send(WM_MOUSEWHEEL, 480 << 16); },
+      [this] { Send(WM_KEYDOWN, '7'), Send(WM_KEYUP, '7'), Send(WM_KEYDOWN, 'X'); },
+      [this] { SetFocus(slider), Send(WM_KEYDOWN, VK_HOME), SetFocus(parent); },
+  };
+  for (const auto& act : actions) {
+    Make(kTrackbar, kNotifies), SetFocus(parent), heard.clear(), act();
+    const auto count = std::ranges::count(heard, ' ');
+    DestroyWindow(slider);
+    for (int last = 1; last <= count; ++last) {
+      std::string until_death;
+      Make(kTrackbar, kNotifies), SetFocus(parent), heard.clear();
+      on_hearing = [&, told = 0](const std::string&) mutable {
+        if (++told != last) return;
+        DestroyWindow(slider);
+        until_death = heard;
+      };
+      act();
+      on_hearing = [](const std::string&) {};
+      EXPECT_EQ(heard, until_death);
+      EXPECT_FALSE(IsWindow(slider)) << heard;
+      EXPECT_EQ(GetCapture(), nullptr) << heard;
+    }
+  }
+}
+
+TEST_F(SliderTest, OddNumbersDoNoHarm) {
+  for (const wchar_t* const name : {kTrackbar, kFader}) {
+    for (const DWORD style : {DWORD{0}, kTapered, kTapered | kTwoThumbs | kVertical, kTwoThumbs}) {
+      Make(name, style);
+      for (UINT message = 0x600; message <= 0x640; ++message) {
+        ShowWindow(slider, SW_HIDE);  // nothing is drawn meanwhile
+        for (const LPARAM number : {0, 1, 2, 0x7FFF, 0xFFFF, 0x30001, INT_MIN, INT_MAX, -1}) {
+          const bool may_point = message == kSetThumb || message == kGetThumb;
+          for (const WPARAM wparam : {WPARAM{0}, WPARAM{1}, WPARAM{0x20001}, WPARAM{0x30001}, ~WPARAM{0}}) {
+            const bool is_pointer = message == kSetUp || (may_point && HIWORD(wparam) == 0);
+            Send(message, wparam, is_pointer ? number & 0xFFFF : number);
+          }
+        }
+        ShowWindow(slider, SW_SHOW), UpdateWindow(slider);
+        Send(WM_LBUTTONDOWN, 0, MAKELPARAM(-5, 500)), Send(WM_MOUSEMOVE, 0, MAKELPARAM(77, 77)), Send(WM_LBUTTONUP);
+      }
+      EXPECT_TRUE(DestroyWindow(slider));
+    }
+  }
+}
+
+TEST_F(SliderTest, FiveHundredAtOnceKeepApart) {
+  std::vector<HWND> sliders;
+  for (int i = 0; i < 500; ++i) {
+    sliders.push_back(Make(i % 2 ? kTrackbar : kFader));
+    Send(kSet, 1, i % 100);
+  }
+  for (int i = 0; i < 500; ++i) EXPECT_EQ(SendMessageW(sliders[i], kGet, 0, 0), i % 100);
+}
+
+TEST_F(SliderTest, ScreenReadersReadAndSetIt) {
+  Make(kTrackbar);
+  ComPtr<IAccessible> accessible;
+  ASSERT_EQ(
+      AccessibleObjectFromWindow(slider, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible), accessible.PutVoid()),
+      S_OK);
+  VARIANT self = {};
+  self.vt = VT_I4;
+  const auto value = [&] {
+    BSTR text = nullptr;
+    EXPECT_EQ(accessible->get_accValue(self, &text), S_OK);
+    const std::wstring copy = text ? text : L"";
+    SysFreeString(text);
+    return copy;
+  };
+  const auto put = [&](const wchar_t* text) {
+    const BSTR string = SysAllocString(text);
+    const HRESULT result = accessible->put_accValue(self, string);
+    SysFreeString(string);
+    return result;
+  };
+  EXPECT_EQ(value(), L"50");
+  EXPECT_EQ(put(L"-40 dB"), DISP_E_MEMBERNOTFOUND);
+  EXPECT_EQ(put(L"70"), S_OK);
+  EXPECT_EQ(heard, "H4=70 H8 ");
+  SetWindowTextW(slider, L"70 %");
+  EXPECT_EQ(value(), L"70 %");
+}
+
+}  // namespace
+}  // namespace tervan::test
