@@ -9,18 +9,22 @@ namespace {
 
 constexpr Colour kWhite = {255, 255, 255};
 constexpr Colour kBlack = {0, 0, 0};
-constexpr int kAll = 256;
 
 // Pixels at 96 dpi.
 constexpr int kCapRadius = 3;
 constexpr int kLine = 1;
 constexpr int kIndexWidth = 2;
 constexpr int kIndexMargin = 4;  // from the ends of the line to the edges of the cap
-constexpr int kGripDistance = 4;
-constexpr int kTickGap = 3;  // between channel and tick
+constexpr int kTickGap = 3;      // between channel and tick
 constexpr int kLeastTickDistance = 5;
 constexpr int kMajorTick = 7;
 constexpr int kMinorTick = 4;
+
+// A line across the cap, so many pixels from its left or top edge.
+Rect LineAcross(Rect cap, bool is_vertical, int start, int width, int margin) {
+  if (is_vertical) return {cap.left + margin, cap.top + start, cap.right - margin, cap.top + start + width};
+  return {cap.left + start, cap.top + margin, cap.left + start + width, cap.bottom - margin};
+}
 
 class Painter {
  public:
@@ -44,9 +48,6 @@ class Painter {
   static Rect Shifted(Rect r, int down) { return {r.left, r.top + down, r.right, r.bottom + down}; }
   // The part of the channel from this to that pixel of the track, without its edge.
   Rect ChannelPart(int from_px, int to_px) const;
-  // A line across the track, with its middle at this distance from the middle of the rectangle.
-  Rect LineAcross(Rect rect, int distance, int width, int margin) const;
-
   void PaintTicks();
   void PaintTick(const SliderTick& tick);
   void PaintChannel();
@@ -71,22 +72,13 @@ Rect Painter::ChannelPart(int from_px, int to_px) const {
           std::min(part.bottom, inner.bottom)};
 }
 
-Rect Painter::LineAcross(Rect rect, int distance, int width, int margin) const {
-  if (layout_.is_vertical) {
-    const int top = rect.top + (rect.Height() - width) / 2 + distance;
-    return {rect.left + margin, top, rect.right - margin, top + width};
-  }
-  const int left = rect.left + (rect.Width() - width) / 2 + distance;
-  return {left, rect.top + margin, left + width, rect.bottom - margin};
-}
-
 void Painter::PaintTicks() {
   for (const SliderTick& tick : TicksOf(slider_.scale, layout_.track_px, At(kLeastTickDistance))) PaintTick(tick);
 }
 
 void Painter::PaintTick(const SliderTick& tick) {
   const int length = At(tick.is_major ? kMajorTick : kMinorTick);
-  const Colour colour = IsFlat()        ? palette_.disabled_text
+  const Colour colour = IsFlat()        ? Outline()
                         : tick.is_major ? Mixed(look_.background, palette_.text, 144)
                                         : Mixed(look_.background, palette_.text, 80);
   const Rect middle = layout_.Between(tick.pixel, tick.pixel);
@@ -113,7 +105,8 @@ void Painter::PaintChannel() {
   } else if (!look_.is_enabled) {
     return canvas_.FillRounded(channel, radius, Darker(40), Darker(40));
   } else {
-    canvas_.FillRounded(Shifted(channel, At(kLine)), radius, Lighter(220), Lighter(220));  // the lit edge below
+    const Colour lit_edge = Mixed(palette_.face, palette_.highlight, 220);
+    canvas_.FillRounded(Shifted(channel, At(kLine)), radius, lit_edge, lit_edge);
     canvas_.FillRounded(channel, radius, palette_.channel_edge, palette_.channel);
   }
   if (look_.is_plain || !look_.is_enabled) return;
@@ -198,12 +191,12 @@ void Painter::PaintCap(Rect cap, bool is_pressed, bool is_hot) {
 // Fine lines on both sides of the index line, each a groove with a lit edge.
 void Painter::PaintGrip(Rect cap) {
   const int line = At(kLine);
-  const int margin = At(kIndexMargin);
-  for (const int side : {-1, 1}) {
-    const Rect groove = LineAcross(cap, side * At(kGripDistance) - line / 2, line, margin);
-    canvas_.FillRounded(groove, 0, kBlack, kBlack, 72);
-    const Rect edge = LineAcross(cap, side * At(kGripDistance) - line / 2 + line, line, margin);
-    canvas_.FillRounded(edge, 0, kWhite, kWhite, 160);
+  const int length = layout_.thumb_along_px;
+  const int first = length / 4 - line;
+  for (const int start : {first, length - first - 2 * line}) {
+    const int margin = At(kIndexMargin);
+    canvas_.FillRounded(LineAcross(cap, layout_.is_vertical, start, line, margin), 0, kBlack, kBlack, 72);
+    canvas_.FillRounded(LineAcross(cap, layout_.is_vertical, start + line, line, margin), 0, kWhite, kWhite, 160);
   }
 }
 
@@ -214,20 +207,11 @@ void PaintSlider(Canvas& canvas, const SliderState& slider, const SliderLook& lo
 }
 
 Rect IndexLine(const SliderState& slider, int thumb, int dpi) {
-  const Rect cap = slider.ThumbRect(thumb);
-  const int margin = AtDpi(kIndexMargin, dpi);
-  const auto line = [dpi](int length) {
-    const int width = AtDpi(kIndexWidth, dpi);
-    return width + ((length - width) & 1);  // exactly in the middle
-  };
-  if (slider.layout.is_vertical) {
-    const int width = line(cap.Height());
-    const int top = cap.top + (cap.Height() - width) / 2;
-    return {cap.left + margin, top, cap.right - margin, top + width};
-  }
-  const int width = line(cap.Width());
-  const int left = cap.left + (cap.Width() - width) / 2;
-  return {left, cap.top + margin, left + width, cap.bottom - margin};
+  const int length = slider.layout.thumb_along_px;
+  int width = AtDpi(kIndexWidth, dpi);
+  width += (length - width) & 1;  // exactly in the middle
+  return LineAcross(slider.ThumbRect(thumb), slider.layout.is_vertical, (length - width) / 2, width,
+                    AtDpi(kIndexMargin, dpi));
 }
 
 }  // namespace tervan::ui
