@@ -161,6 +161,7 @@ STDMETHODIMP AccessibleControl::accDoDefaultAction(VARIANT child) {
   if (FAILED(result)) return result;
   try {
     if (parts_->PartAction(part).empty()) return DISP_E_MEMBERNOTFOUND;
+    const ControlWindow::Keep keep(*parts_);
     parts_->PressPart(part);
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
@@ -173,6 +174,7 @@ STDMETHODIMP AccessibleControl::put_accValue(VARIANT child, BSTR value) {
   const HRESULT result = PartOf(child, &part);
   if (FAILED(result)) return result;
   try {
+    const ControlWindow::Keep keep(*parts_);
     return parts_->SetPartValue(part, value ? value : L"") ? S_OK : DISP_E_MEMBERNOTFOUND;
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;

@@ -14,7 +14,7 @@ namespace tervan::ui {
 // window's thread: the platform sees to that.
 class AccessibleControl final : public directshow::Implements<directshow::ComObject, IAccessible> {
  public:
-  AccessibleControl(HWND window, AccessibleParts& parts) : Implements(nullptr), window_(window), parts_(&parts) {}
+  AccessibleControl(HWND window, ControlWindow& parts) : Implements(nullptr), window_(window), parts_(&parts) {}
   void Detach() noexcept { parts_ = nullptr; }
 
   STDMETHODIMP GetTypeInfoCount(UINT* count) override;
@@ -57,7 +57,7 @@ class AccessibleControl final : public directshow::Implements<directshow::ComObj
   HRESULT TextOf(const VARIANT& child, BSTR* text, Get get) const;
 
   const HWND window_;
-  AccessibleParts* parts_;  // null: the window is gone
+  ControlWindow* parts_;  // null: the window is gone
 };
 
 }  // namespace tervan::ui

@@ -87,7 +87,7 @@ LRESULT ControlProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
   if (!control) return DefWindowProcW(window, message, wparam, lparam);
 
   LRESULT result = 0;
-  ++control->messages_in_work_;
+  const ControlWindow::Keep keep(*control);
   try {
     result =
         message == WM_GETOBJECT ? control->OnGetObject(wparam, lparam) : control->OnMessage(message, wparam, lparam);
@@ -98,7 +98,6 @@ LRESULT ControlProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
     SetWindowLongPtrW(window, 0, 0);
     control->Detach();
   }
-  if (--control->messages_in_work_ == 0 && !control->IsAlive()) delete control;
   return result;
 }
 

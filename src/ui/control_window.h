@@ -52,6 +52,20 @@ class ControlWindow : public AccessibleParts {
   // False: the window is gone, and nothing more is to be done for it.
   bool IsAlive() const { return is_alive_; }
 
+  // The object stays while this lives, whatever becomes of the window.
+  class Keep {
+   public:
+    explicit Keep(ControlWindow& control) : control_(control) { ++control.kept_; }
+    ~Keep() {
+      if (--control_.kept_ == 0 && !control_.IsAlive()) delete &control_;
+    }
+    Keep(const Keep&) = delete;
+    Keep& operator=(const Keep&) = delete;
+
+   private:
+    ControlWindow& control_;
+  };
+
  protected:
   explicit ControlWindow(HWND window);
 
@@ -72,7 +86,7 @@ class ControlWindow : public AccessibleParts {
   void Detach() noexcept;
 
   directshow::ComPtr<AccessibleControl> accessible_;
-  int messages_in_work_ = 0;
+  int kept_ = 0;
   bool is_alive_ = true;
 };
 
