@@ -287,6 +287,10 @@ TEST_F(SliderTest, ScreenReadersReadAndSetIt) {
   EXPECT_EQ(heard, "H4=70 H8 ");
   SetWindowTextW(slider, L"70 %");
   EXPECT_EQ(value(), L"70 %");
+  on_hearing = [this](const std::string&) { DestroyWindow(slider); };
+  EXPECT_EQ(put(L"60"), S_OK) << "a slider that goes while it is set";
+  BSTR text = nullptr;
+  EXPECT_EQ(accessible->get_accValue(self, &text), CO_E_OBJNOTCONNECTED);
 }
 
 }  // namespace

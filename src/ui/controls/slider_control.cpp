@@ -50,7 +50,7 @@ const ControlClass kFaderClass = {
 
 SliderControl::SliderControl(HWND window, const CREATESTRUCTW& creation, SliderKind kind)
     : ControlWindow(window),
-      notified_(NotifyTarget(window, creation.hwndParent)),
+      creator_(creation.hwndParent != GetParent(window) ? creation.hwndParent : nullptr),
       style_(static_cast<DWORD>(creation.style)),
       user_data_(reinterpret_cast<LPARAM>(creation.lpCreateParams)),
       dpi_(ScreenDpi()),

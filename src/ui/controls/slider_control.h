@@ -68,11 +68,13 @@ class SliderControl : public ControlWindow, private SliderSink {
   void ApplyStyle();
   void LayOut();
   void PlaceCaret() const;
+  HWND Listener() const { return creator_ ? creator_ : Parent(); }
+  void AnnounceMoves();
   void SendCommand(WORD code) const;
   // The header of whatever goes with the code.
   void SendNotify(UINT code, NMHDR& header) const;
 
-  const HWND notified_;
+  const HWND creator_;  // hears of everything when it is not the parent; null when it is
   DWORD style_;
   LPARAM user_data_;
   std::optional<Colour> background_;  // none: that of buttons
@@ -81,6 +83,7 @@ class SliderControl : public ControlWindow, private SliderSink {
   int hot_thumb_ = -1;  // under the cursor
   int dpi_;
   SliderState slider_;
+  ThumbPositions announced_ = slider_.positions;
   SliderGestures gestures_;
   BackBuffer buffer_;
 };

@@ -86,7 +86,7 @@ void SliderControl::ShowPositions(const ThumbPositions& positions, bool redraws)
   }
   if (moves) PlaceCaret();
   if (moves && redraws && !HasStyle(kSliderNoRepaint)) Redraw();
-  Announce(EVENT_OBJECT_VALUECHANGE);
+  AnnounceMoves();
 }
 
 LRESULT SliderControl::SetPosition(int position, bool redraws) {

@@ -1,4 +1,6 @@
 // What the gestures ask of the window and tell its parent.
+#include <utility>
+
 #include "ui/controls/slider_control.h"
 
 namespace tervan::ui {
@@ -11,18 +13,18 @@ constexpr UINT kRepeatInterval_ms = 250;
 void SliderControl::SendNotify(UINT code, NMHDR& header) const {
   if (!IsAlive()) return;
   header = {.hwndFrom = window(), .idFrom = static_cast<UINT_PTR>(Id()), .code = code};
-  SendMessageW(notified_, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+  SendMessageW(Listener(), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
 }
 
 void SliderControl::SendCommand(WORD code) const {
   if (!IsAlive()) return;
-  SendMessageW(notified_, WM_COMMAND, MAKEWPARAM(Id(), code), reinterpret_cast<LPARAM>(window()));
+  SendMessageW(Listener(), WM_COMMAND, MAKEWPARAM(Id(), code), reinterpret_cast<LPARAM>(window()));
 }
 
 void SliderControl::Tell(ScrollCode code) {
   if (!IsAlive()) return;
   if (slider_.thumb_count > 1) {
-    const ThumbPositions positions = slider_.positions;  // the control may be gone before the receiver has read them
+    const ThumbPositions positions = slider_.positions;  // what the receiver sets does not change what it is told
     ThumbsNotification notification = {.header = {},
                                        .user_data = user_data_,
                                        .thumb_count = slider_.thumb_count,
@@ -31,7 +33,7 @@ void SliderControl::Tell(ScrollCode code) {
     return SendNotify(kNotifyThumbs, notification.header);
   }
   const bool has_position = code == ScrollCode::kThumbPosition || code == ScrollCode::kThumbTrack;
-  SendMessageW(notified_, slider_.layout.is_vertical ? WM_VSCROLL : WM_HSCROLL,
+  SendMessageW(Listener(), slider_.layout.is_vertical ? WM_VSCROLL : WM_HSCROLL,
                MAKEWPARAM(code, has_position ? slider_.positions[0] : 0), reinterpret_cast<LPARAM>(window()));
 }
 
@@ -43,7 +45,11 @@ void SliderControl::ThumbsChanged() {
   if (!IsAlive()) return;
   PlaceCaret();
   Redraw();
-  Announce(EVENT_OBJECT_VALUECHANGE);
+  AnnounceMoves();
+}
+
+void SliderControl::AnnounceMoves() {
+  if (std::exchange(announced_, slider_.positions) != slider_.positions) Announce(EVENT_OBJECT_VALUECHANGE);
 }
 
 void SliderControl::HoldMouse(bool holds) {
