@@ -61,19 +61,14 @@ TEST(MeterScale, TicksStandWhereTheirLevelsEnd) {
 }
 
 TEST(MeterScale, StaysWithinTheBarWhateverItIsGiven) {
-  for (const std::int32_t steps : {1, 2, 400, kMax}) {
-    for (const std::uint32_t display_range : {0U, 1U, 2U, 128U, 0xFFFFFFFFU}) {
-      for (const bool is_float : {false, true}) {
-        const MeterScale scale(steps, is_float, display_range);
-        for (const std::int32_t level : {0, 1, 2, 0x3F800000, 0x7F800000, 0x7FC00000, kMax, -1, -kMax - 1}) {
-          for (const int length : {0, 1, 2, kLength}) {
-            const int lit = scale.LitLength(level, length);
+  for (const std::int32_t steps : {1, 2, kMax}) {
+    for (const std::uint32_t display_range : {0U, 1U, 2U, 0xFFFFFFFFU}) {
+      for (const std::int32_t level : {0, 1, 2, 0x3F800000, 0x7F800000, 0x7FC00000, kMax, -1, -kMax - 1}) {
+        for (const int length : {0, 1, 2, kLength}) {
+          for (const bool is_float : {false, true}) {
+            const int lit = MeterScale(steps, is_float, display_range).LitLength(level, length);
             ASSERT_TRUE(lit >= 0 && lit <= length) << steps << ", " << display_range << ", " << level;
           }
-        }
-        for (const int length : {0, 1, kLength}) {
-          EXPECT_FALSE(MeterTicks(scale, length, 3).empty());
-          EXPECT_FALSE(ChooseLabels(scale, length, {0, 40, 2}, [](int) { return 30; }).empty());
         }
       }
     }
@@ -106,65 +101,54 @@ TEST(MeterRanges, OffersWhatTheMeterCanShowAndMarksWhatItShows) {
   const struct {
     std::int32_t steps;
     std::uint32_t display_range;
-    int last_offered;
-    int marked;  // 0: none
+    std::int32_t offered;  // ratio of the last one
+    std::int32_t marked;   // 0: none
   } rows[] = {
-      {32767, 128, ID_METER_RANGE_78_DB, ID_METER_RANGE_42_DB},
-      {32767, 0, ID_METER_RANGE_78_DB, 0},
-      {32768, 0, ID_METER_RANGE_90_DB, ID_METER_RANGE_90_DB},
-      {32768, 32768, ID_METER_RANGE_90_DB, ID_METER_RANGE_90_DB},
-      {32768, 77, ID_METER_RANGE_90_DB, 0},
-      {400, 16, ID_METER_RANGE_42_DB, ID_METER_RANGE_24_DB},
-      {200, 0, ID_METER_RANGE_42_DB, ID_METER_RANGE_42_DB},
-      {200, 200, ID_METER_RANGE_42_DB, ID_METER_RANGE_42_DB},
-      {kMax, 1 << 23, ID_METER_RANGE_138_DB, ID_METER_RANGE_138_DB},
+      {32767, 128, 8192, 128},
+      {32767, 0, 8192, 0},
+      {32768, 0, 32768, 32768},
+      {32768, 32768, 32768, 32768},
+      {32768, 77, 32768, 0},
+      {400, 16, 128, 16},
+      {200, 0, 128, 128},
+      {200, 200, 128, 128},
+      {kMax, 1 << 23, 1 << 23, 1 << 23},
       {1, 0, 0, 0},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(testing::Message() << row.steps << ", " << row.display_range);
-    int last_offered = 0;
-    int marked = 0;
+    std::int32_t offered = 0;
+    std::int32_t marked = 0;
     for (const MeterRange& range : kMeterRanges) {
       if (!IsOffered(range, row.steps)) continue;
-      last_offered = range.item_id;
-      if (IsMarked(range, row.steps, row.display_range)) marked = range.item_id;
+      offered = range.ratio;
+      if (IsMarked(range, row.steps, row.display_range)) marked = range.ratio;
     }
-    EXPECT_EQ(last_offered, row.last_offered);
-    EXPECT_EQ(marked, row.marked);
+    EXPECT_EQ(offered, row.offered) << row.steps;
+    EXPECT_EQ(marked, row.marked) << row.steps << ", " << row.display_range;
   }
-  EXPECT_EQ(DisplayRangeOf(kMeterRanges[5], 32768), 0U);
-  EXPECT_EQ(DisplayRangeOf(kMeterRanges[5], 32769), 32768U);
+  EXPECT_EQ(DisplayRangeOf({ID_METER_RANGE_90_DB, 32768}, 32768), 0U);
+  EXPECT_EQ(DisplayRangeOf({ID_METER_RANGE_90_DB, 32768}, 32769), 32768U);
 }
 
 TEST(MeterLabelFormat, FormatsOneNumberAndNothingElse) {
-  const struct {
-    std::u16string_view format;
-    double value;
-    std::u16string_view text;
-  } rows[] = {
-      {u"$.1f", -12, u"-12,0"},
-      {u"$.1f", 0, u"0,0"},
-      {u"$f", -0.25, u"-0,250000"},
-      {u"$+.0f dB", 3.5, u"+4 dB"},
-      {u"[$6.1f]", -6, u"[  -6,0]"},
-      {u"[$-6.1f]", -6, u"[-6,0  ]"},
-      {u"$06.1f", -6, u"-006,0"},
-      {u"$ d", 12.4, u" 12"},
-      {u"$g", -12, u"-12"},
-      {u"$.2e", -120, u"-1,20e+02"},
-      {u"$i$$", -3, u"-3$"},
-      {u"$d$d", 1, u"1$d"},
-      {u"$s$n", 1, u"$s$n"},
-      {u"$*.*f", 1, u"$*.*f"},
-      {u"%s$", 1, u"%s$"},
-      {u"$99999999999d", 7, u"               7"},
-      {u"$.999999999f", 1, u"1,000000000"},
-      {u"$.9f", -1e300, u"-1000000000,000000000"},
-      {u"", 1, u""},
+  const std::u16string_view rows[][2] = {
+      {u"$.1f", u"-12,0"},
+      {u"$+.0f dB", u"-12 dB"},
+      {u"[$7.1f]", u"[  -12,0]"},
+      {u"[$-7.1f]", u"[-12,0  ]"},
+      {u"$07.1f", u"-0012,0"},
+      {u"$ d", u"-12"},
+      {u"$g", u"-12"},
+      {u"$.2e", u"-1,20e+01"},
+      {u"$i$$", u"-12$"},
+      {u"$d$d", u"-12$d"},
+      {u"$s$n$*f", u"$s$n$*f"},
+      {u"%s$", u"%s$"},
+      {u"$999999999d", u"             -12"},
+      {u"$.99999999f", u"-12,000000000"},
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(FormatLabel(row.format, row.value, u","), row.text) << testing::PrintToString(std::u16string(row.format));
-  }
+  for (const auto& [format, text] : rows) EXPECT_EQ(FormatLabel(format, -12.0, u","), text);
+  EXPECT_EQ(FormatLabel(u"$+.9f", 1e300, u"."), u"+1000000000.000000000");
 }
 
 }  // namespace
