@@ -99,7 +99,8 @@ constexpr LPARAM kAbout = MAKELPARAM(kClient.width - 24, 13);
 
 TEST_F(LogoStripTest, AnswersWhetherAnItemIsThere) {
   EXPECT_EQ(AddText(41001, "About"), 1);
-  EXPECT_EQ(AddText(41000, nullptr), 0);
+  EXPECT_EQ(Send(kLogoAddText, 41000, 0), 0);
+  EXPECT_EQ(Send(kLogoAddText, 41000, 5), 0);
   Send(kLogoAddButton, 41003, 1);
   EXPECT_EQ(Send(kLogoSetState, 41003, 0), 1);
   EXPECT_EQ(Send(kLogoSetState, 41001, 0), 0) << "texts have no state";

@@ -15,14 +15,14 @@ struct LogoItemContent {
 };
 
 struct LogoLayout {
-  Rect picture;             // what is seen of it
+  Rect picture;             // what is seen of the area that it stands in
   Rect title;               // empty when nothing is left for it
   std::vector<Rect> items;  // in the order in which they were added; empty rectangles where no space is left
 };
 
-// The picture at the left end, as tall as the strip; items from the right end leftwards with the last one rightmost,
-// the title between them. Items come before the picture where there is not enough space for both. Pictures and images
-// grow with the screen's dots per inch.
+// The picture at the left end, in an area as tall as the strip; items from the right end leftwards with the last one
+// rightmost, the title between them. Items come before the picture where there is not enough space for both. Pictures
+// and images grow with the screen's dots per inch.
 LogoLayout LayOutLogo(Size client, int picture_width_px, std::span<const LogoItemContent> items, int dpi);
 
 enum class LogoPart { kNone, kItem, kPicture, kTitle };

@@ -98,7 +98,7 @@ void LogoStrip::RemoveItems() {
 }
 
 LRESULT LogoStrip::AddText(int id, const char* text, bool redraw) {
-  if (!text) return 0;
+  if (IS_INTRESOURCE(text)) return 0;  // a number, or null
   items_.AddText(id, FromNarrow(text));
   ItemsChanged();
   if (redraw) UpdateWindow(window());
