@@ -109,10 +109,10 @@ wine_prefix() {
 }
 
 # Starts an X server of our own and points DISPLAY at it: no window ever lands on somebody's desktop.
-# display_pid is for its end.
+# display_pid is for its end; Ctrl-C does not reach it, so that programs still end properly.
 start_display() {
   local number
-  exec 7< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 2>/dev/null)
+  exec 7< <(exec setsid Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 2>/dev/null)
   display_pid=$!
   read -r number <&7 || die "Xvfb does not start"
   exec 7<&-
