@@ -22,6 +22,7 @@ EffectRow DitherRow() {
       .control_iid = Id(L"{260df3e4-ac77-11d2-9e93-00c04f68be44}"),
       .format_slot = 5,
       .replaced_code = 100,
+      .page_name = L"LmTDither Property Page",
       .loaded = {4, 3, 2},
       .forms = {{32, Id(kDitherTag), 3, {}}, {36, Id(kDitherTag), 0, {}}, {32, Id(kCompressorTag), 0, {}}},
       .params = {{L"Depth", L"", MPT_INT, 0, 6, 0, 7, 0},
@@ -168,6 +169,7 @@ EffectRow GateRow() {
       .control_iid = Id(L"{c400f99b-0c6e-444c-8f20-98db216be56e}"),
       .format_slot = 5,
       .replaced_code = 100,
+      .page_name = L"LmTNoisg Property Page",
       .set_by_host_code = 0,
       .told_of_failed_loads = true,
       .loaded = {11, 22, -33, 1},
@@ -204,6 +206,15 @@ double NumberOf(const EffectRow& effect, std::size_t index, INT32 word) {
 const std::vector<EffectRow>& Effects() {
   static const std::vector<EffectRow> effects = {DitherRow(), CompressorRow(), EqRow(), GateRow()};
   return effects;
+}
+
+std::vector<ClassRow> Classes() {
+  std::vector<ClassRow> classes;
+  for (const EffectRow& effect : Effects()) {
+    classes.push_back({effect.display_name, effect.clsid, false});
+    if (effect.page_name) classes.push_back({effect.page_name, effect.page_clsid, true});
+  }
+  return classes;
 }
 
 GUID Id(const wchar_t* text) {

@@ -45,6 +45,7 @@ struct EffectRow {
   IID control_iid;
   int format_slot;                           // GetFormat; SetNotifyWindow follows
   int replaced_code;                         // posted when all settings were replaced
+  const wchar_t* page_name = nullptr;        // null: it has no page
   std::optional<int> set_by_host_code = {};  // posted after IMediaParams::SetParam
   bool told_of_failed_loads = false;
   std::size_t float_words = 0;  // so many words of the record are floats, those behind them integers
@@ -60,7 +61,16 @@ struct EffectRow {
 };
 
 enum EffectIndex { kDither, kCompressor, kEq, kGate };
-const std::vector<EffectRow>& Effects();         // by EffectIndex
+const std::vector<EffectRow>& Effects();  // by EffectIndex
+
+// What the module makes: a filter or a page.
+struct ClassRow {
+  std::wstring name;
+  CLSID clsid;
+  bool is_page;
+};
+std::vector<ClassRow> Classes();
+
 inline constexpr std::size_t kReservedWord = 8;  // of the compressor's record: never read nor written
 
 GUID Id(const wchar_t* text);

@@ -12,9 +12,8 @@ namespace {
 void* const kPoison = reinterpret_cast<void*>(0x5a5a5a5a);
 
 using ExportsTest = ModuleTest;
-using ClassObjectTest = EffectTest;
+using ClassObjectTest = ModuleTest;
 using IdentityTest = EffectTest;
-TERVAN_FOR_ALL_EFFECTS(ClassObjectTest);
 TERVAN_FOR_ALL_EFFECTS(IdentityTest);
 
 TEST_F(ExportsTest, CarryPlainNames) {
@@ -34,43 +33,56 @@ TEST_F(ExportsTest, BuildPositionStringExTouchesNoArgument) {
   EXPECT_STREQ(text, "text");
 }
 
-TEST_P(ClassObjectTest, ServesItsClassThroughTwoInterfacesOnly) {
-  for (const IID& iid : {IID_IUnknown, IID_IClassFactory}) {
-    ComPtr<IUnknown> factory;
-    ASSERT_EQ(GetClassObject(effect.clsid, iid, factory.PutVoid()), S_OK);
-    EXPECT_EQ(factory.Detach()->Release(), 0u);
-  }
+TEST_F(ClassObjectTest, ServesEachClassThroughTwoInterfacesOnly) {
   void* out = kPoison;
-  EXPECT_EQ(GetClassObject(effect.clsid, IID_IBaseFilter, &out), E_NOINTERFACE);
-  EXPECT_EQ(out, nullptr);
+  for (const ClassRow& row : Classes()) {
+    SCOPED_TRACE(row.name);
+    for (const IID& iid : {IID_IUnknown, IID_IClassFactory}) {
+      ComPtr<IUnknown> factory;
+      ASSERT_EQ(GetClassObject(row.clsid, iid, factory.PutVoid()), S_OK);
+      EXPECT_EQ(factory.Detach()->Release(), 0u);
+    }
+    EXPECT_EQ(GetClassObject(row.clsid, IID_IBaseFilter, &(out = kPoison)), E_NOINTERFACE);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(GetClassObject(row.clsid, IID_IClassFactory, nullptr), E_POINTER);
+  }
   EXPECT_EQ(GetClassObject(CLSID_NULL, IID_IClassFactory, &(out = kPoison)), CLASS_E_CLASSNOTAVAILABLE);
   EXPECT_EQ(out, nullptr);
-  EXPECT_EQ(GetClassObject(effect.clsid, IID_IClassFactory, nullptr), E_POINTER);
 }
 
-TEST_P(ClassObjectTest, CreatesWhatIsAskedForOrNothing) {
-  CountedFake<IUnknown> outer;
-  void* out = kPoison;
-  EXPECT_EQ(Create(effect.clsid, nullptr, IID_IDispatch, &out), E_NOINTERFACE);
-  EXPECT_EQ(out, nullptr);
-  EXPECT_EQ(Create(effect.clsid, &outer, IID_IBaseFilter, &(out = kPoison)), E_NOINTERFACE);
-  EXPECT_EQ(out, nullptr);
-  EXPECT_EQ(Create(effect.clsid, nullptr, IID_IBaseFilter, nullptr), E_POINTER);
+TEST_F(ClassObjectTest, CreatesWhatIsAskedForOrNothing) {
+  for (const ClassRow& row : Classes()) {
+    SCOPED_TRACE(row.name);
+    const IID& own = row.is_page ? IID_IPropertyPage : IID_IBaseFilter;
+    CountedFake<IUnknown> outer;
+    void* out = kPoison;
+    for (const IID& other : {IID_IDispatch, row.is_page ? IID_IBaseFilter : IID_IPropertyPage}) {
+      EXPECT_EQ(Create(row.clsid, nullptr, other, &(out = kPoison)), E_NOINTERFACE);
+      EXPECT_EQ(out, nullptr);
+    }
+    EXPECT_EQ(Create(row.clsid, &outer, own, &(out = kPoison)), E_NOINTERFACE);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(Create(row.clsid, nullptr, own, nullptr), E_POINTER);
+    ComPtr<IUnknown> created;
+    EXPECT_EQ(Create(row.clsid, nullptr, own, created.PutVoid()), S_OK);
+    EXPECT_EQ(CanUnloadNow(), S_FALSE);
+  }
 }
 
-TEST_P(ClassObjectTest, LocksFactoriesAndObjectsKeepTheModuleLoaded) {
-  ComPtr<IClassFactory> factory;
-  ASSERT_EQ(GetClassObject(effect.clsid, IID_IClassFactory, factory.PutVoid()), S_OK);
-  EXPECT_EQ(CanUnloadNow(), S_FALSE);
-  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-  factory.Reset();
-  EXPECT_EQ(CanUnloadNow(), S_FALSE);
-  ASSERT_EQ(GetClassObject(effect.clsid, IID_IClassFactory, factory.PutVoid()), S_OK);
-  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
-  factory.Reset();
-  EXPECT_EQ(CanUnloadNow(), S_OK);
-  const Filter filter(effect);
-  EXPECT_EQ(CanUnloadNow(), S_FALSE);
+TEST_F(ClassObjectTest, LocksAndFactoriesKeepTheModuleLoaded) {
+  for (const ClassRow& row : Classes()) {
+    SCOPED_TRACE(row.name);
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(GetClassObject(row.clsid, IID_IClassFactory, factory.PutVoid()), S_OK);
+    EXPECT_EQ(CanUnloadNow(), S_FALSE);
+    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+    factory.Reset();
+    EXPECT_EQ(CanUnloadNow(), S_FALSE);
+    ASSERT_EQ(GetClassObject(row.clsid, IID_IClassFactory, factory.PutVoid()), S_OK);
+    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+    factory.Reset();
+    EXPECT_EQ(CanUnloadNow(), S_OK);
+  }
 }
 
 // Every interface that some filter of the module has, and some that none has. true: this effect's has it.
@@ -147,6 +159,21 @@ TEST_P(IdentityTest, InsideAnOuterObjectAllInterfacesButOneAreTheOuters) {
   }
   EXPECT_EQ(owner.references, 0);
   EXPECT_EQ(owner.inner->Release(), 0u);
+}
+
+TEST_F(ClassObjectTest, APageInsideAnOuterObjectBelongsToIt) {
+  for (const ClassRow& row : Classes()) {
+    if (!row.is_page) continue;
+    Owner owner;
+    ASSERT_EQ(Create(row.clsid, &owner, IID_IUnknown, reinterpret_cast<void**>(&owner.inner)), S_OK);
+    {
+      const auto page = Query<IPropertyPage>(&owner);
+      ASSERT_TRUE(page);
+      EXPECT_EQ(Query<IUnknown>(page.Get()).Get(), static_cast<IUnknown*>(&owner));
+    }
+    EXPECT_EQ(owner.references, 0);
+    EXPECT_EQ(owner.inner->Release(), 0u);
+  }
 }
 
 TEST_P(IdentityTest, NamesItsClassAndItsPage) {

@@ -13,7 +13,7 @@ std::wstring TextOf(const CLSID& clsid) {
   return text;
 }
 
-std::wstring KeyOf(const EffectRow& effect) { return L"CLSID\\" + TextOf(effect.clsid); }
+std::wstring KeyOf(const CLSID& clsid) { return L"CLSID\\" + TextOf(clsid); }
 
 std::wstring Text(const std::wstring& path, const wchar_t* value) {
   wchar_t text[MAX_PATH] = L"(none)";
@@ -78,10 +78,10 @@ TEST_F(RegistrationTest, EntersServersAndFiltersExactlyOnceHoweverOftenItIsDone)
   for (int times = 1; times <= 2; ++times) {
     SCOPED_TRACE(times);
     ASSERT_EQ(Register(), S_OK);
-    for (const EffectRow& effect : Effects()) {
-      EXPECT_EQ(Text(KeyOf(effect), nullptr), effect.display_name);
-      EXPECT_EQ(Text(KeyOf(effect) + L"\\InprocServer32", nullptr), path);
-      EXPECT_EQ(Text(KeyOf(effect) + L"\\InprocServer32", L"ThreadingModel"), L"Both");
+    for (const ClassRow& row : Classes()) {
+      EXPECT_EQ(Text(KeyOf(row.clsid), nullptr), row.name);
+      EXPECT_EQ(Text(KeyOf(row.clsid) + L"\\InprocServer32", nullptr), path);
+      EXPECT_EQ(Text(KeyOf(row.clsid) + L"\\InprocServer32", L"ThreadingModel"), L"Both");
     }
     EXPECT_THAT(MatchingNames(), testing::UnorderedElementsAreArray(all_names));
     EXPECT_THAT(MatchingNames({.merit = MERIT_DO_NOT_USE + 1}), testing::IsEmpty());
@@ -93,22 +93,23 @@ TEST_F(RegistrationTest, EntersServersAndFiltersExactlyOnceHoweverOftenItIsDone)
 TEST_F(RegistrationTest, IsTakenBackWithSubkeysThatOthersAdded) {
   ASSERT_EQ(Register(), S_OK);
   HKEY key = nullptr;
-  ASSERT_EQ(RegCreateKeyW(HKEY_CLASSES_ROOT, (KeyOf(Effects()[kEq]) + L"\\More\\Deeper\\Deepest").c_str(), &key),
+  ASSERT_EQ(RegCreateKeyW(HKEY_CLASSES_ROOT, (KeyOf(Effects()[kEq].clsid) + L"\\More\\Deeper\\Deepest").c_str(), &key),
             ERROR_SUCCESS);
   RegCloseKey(key);
   ASSERT_EQ(Unregister(), S_OK);
-  for (const EffectRow& effect : Effects()) {
-    EXPECT_EQ(RegOpenKeyW(HKEY_CLASSES_ROOT, KeyOf(effect).c_str(), &key), ERROR_FILE_NOT_FOUND) << effect.name;
+  for (const ClassRow& row : Classes()) {
+    EXPECT_EQ(RegOpenKeyW(HKEY_CLASSES_ROOT, KeyOf(row.clsid).c_str(), &key), ERROR_FILE_NOT_FOUND) << row.name;
   }
   EXPECT_THAT(MatchingNames(), testing::IsEmpty());
 }
 
-TEST_F(RegistrationTest, LetsOthersCreateTheFilters) {
+TEST_F(RegistrationTest, LetsOthersCreateFiltersAndPages) {
   for (const bool registered : {false, true}) {
     if (registered) Register();
-    for (const EffectRow& effect : Effects()) {
-      ComPtr<IUnknown> filter;
-      EXPECT_EQ(CoCreateInstance(effect.clsid, nullptr, CLSCTX_INPROC_SERVER, effect.control_iid, filter.PutVoid()),
+    for (const ClassRow& row : Classes()) {
+      ComPtr<IUnknown> made;
+      EXPECT_EQ(CoCreateInstance(row.clsid, nullptr, CLSCTX_INPROC_SERVER,
+                                 row.is_page ? IID_IPropertyPage : IID_IBaseFilter, made.PutVoid()),
                 registered ? S_OK : REGDB_E_CLASSNOTREG);
     }
   }
