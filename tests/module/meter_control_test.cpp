@@ -182,22 +182,20 @@ TEST_F(MeterControl, LightsUpToTheLevelAndForAReductionFromTheLevelOn) {
   }
 }
 
-TEST_F(MeterControl, TakesTheMouseWhereThereIsSomethingToClick) {
+TEST_F(MeterControl, LeavesToThePageWhatIsNotItsOwn) {
   Make(kMeterClip);
   RECT bar = {};
   Send(kMeterGetBarBounds, kMeterBarArea, reinterpret_cast<LPARAM>(&bar));
-  const auto hit = [&](LONG x, LONG y) {
-    POINT p = {x, y};
+  const auto hit = [this](LONG x) {
+    POINT p = {x, 3};
     ClientToScreen(meter, &p);
     return Send(WM_NCHITTEST, 0, MAKELPARAM(p.x, p.y));
   };
-  EXPECT_EQ(hit(bar.left, bar.top), HTTRANSPARENT);
-  EXPECT_EQ(hit(bar.right + 5, bar.top), HTCLIENT);
-  Send(kMeterChangeStyle, kMeterClip, 0);
+  EXPECT_EQ(hit(bar.right - 1), HTTRANSPARENT);
+  EXPECT_EQ(hit(bar.right + 5), HTCLIENT);
   Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(meter), -1);
-  EXPECT_EQ(menus_for_page, 1);
   Send(kMeterChangeStyle, kMeterMenu, 1);
-  EXPECT_EQ(hit(bar.left, bar.top), HTCLIENT);
+  EXPECT_EQ(hit(bar.right - 1), HTCLIENT);
   Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(page), -1);
   EXPECT_EQ(menus_for_page, 2);
 }

@@ -69,7 +69,7 @@ class MeterControl final : public ControlWindow {
   void LookChanged(bool at_once);
 
   const HWND creation_parent_;
-  HFONT font_ = nullptr;
+  HFONT font_ = nullptr;  // for who asks; labels have their own
   MeterLevels levels_;
   std::uint32_t display_range_ = 0;
   std::string label_format_;  // in the system code page

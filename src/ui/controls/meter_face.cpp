@@ -116,7 +116,7 @@ void MeterFace::DrawBars(Canvas& canvas, Light light) const {
 }
 
 Colour MeterFace::LevelColour(double db_below) const {
-  if (!look_.is_enabled) return palette_.shadow;
+  if (!look_.is_enabled) return palette_.is_high_contrast ? palette_.disabled_text : palette_.shadow;
   if (look_.is_inverted) return palette_.reduction;
   const auto weight = [](double part) { return static_cast<int>(std::clamp(part, 0.0, 1.0) * 256.0); };
   if (db_below > kHighDbBelow) {
@@ -183,7 +183,8 @@ void MeterFace::DrawClipIndicators(Canvas& canvas, Light light) const {
   for (int channel = 0; channel < look_.layout.channel_count; ++channel) {
     const Rect& clip = look_.layout.clips[static_cast<std::size_t>(channel)];
     if (!is_shaded_) {
-      canvas.Fill(clip, is_lit ? red : palette_.channel);
+      canvas.Fill(clip, is_lit ? red : palette_.channel_edge);
+      if (!is_lit) canvas.Fill(clip.Inset(1), palette_.channel);
       continue;
     }
     canvas.Fill(clip, palette_.channel);

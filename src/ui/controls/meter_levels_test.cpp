@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <limits>
-#include <vector>
 
 namespace tervan::ui {
 namespace {
@@ -14,46 +13,44 @@ constexpr std::int32_t Bits(float level) { return std::bit_cast<std::int32_t>(le
 constexpr std::int32_t kHalf = Bits(0.5F);
 constexpr std::int32_t kFull = Bits(1.0F);
 constexpr std::int32_t kLoud = Bits(1.5F);
-constexpr std::int32_t kInfinite = Bits(std::numeric_limits<float>::infinity());
+constexpr std::int32_t kSoft = Bits(0.25F);
 constexpr std::int32_t kNan = Bits(std::numeric_limits<float>::quiet_NaN());
+constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
 
 TEST(MeterLevels, EachLevelGoesWhereItBelongs) {
+  constexpr std::int32_t kFloat = 0;  // in place of a number of steps
   const struct {
     bool is_inverted;
-    std::int32_t steps;  // 0: float mode
-    std::vector<std::int32_t> levels;
-    std::int32_t level;
-    std::int32_t extreme;
-    bool is_clipped = false;
+    std::int32_t steps, first, then, level, extreme;
   } rows[] = {
-      {false, 0, {kHalf, Bits(0.25F)}, Bits(0.25F), kHalf},
-      {false, 0, {kFull}, kFull, kFull},
-      {false, 0, {kLoud, kHalf}, kHalf, kLoud, true},
-      {false, 0, {kLoud, 0}, 0, kLoud, true},
-      {false, 0, {kLoud, -1}, 0, 0},
-      {false, 0, {kLoud, Bits(-0.0F)}, 0, 0},
-      {false, 0, {kInfinite}, kFull, kInfinite, true},
-      {false, 0, {kNan}, kFull, kNan, true},
-      {false, 0, {kLoud, std::numeric_limits<std::int32_t>::min()}, 0, 0},
-      {true, 0, {kFull, kHalf, kFull}, kFull, kHalf},
-      {true, 0, {kHalf, 0}, 0, kHalf},
-      {true, 0, {kHalf, kLoud}, kFull, kLoud, true},
-      {true, 0, {kHalf, -1}, 0, kFull},
-      {false, 400, {399}, 399, 399},
-      {false, 400, {400}, 399, 400, true},
-      {true, 400, {7, 9}, 9, 7},
-      {false, -5, {1}, 0, 1, true},
+      {false, kFloat, 0, kFull, kFull, kFull},
+      {false, kFloat, kHalf, kSoft, kSoft, kHalf},
+      {false, kFloat, kLoud, kHalf, kHalf, kLoud},
+      {false, kFloat, kLoud, 0, 0, kLoud},
+      {false, kFloat, kLoud, -1, 0, 0},
+      {false, kFloat, kLoud, Bits(-0.0F), 0, 0},
+      {false, kFloat, 0, kNan, kFull, kNan},
+      {false, kFloat, kLoud, kLowest, 0, 0},
+      {true, kFloat, kHalf, kFull, kFull, kHalf},
+      {true, kFloat, kHalf, 0, 0, kHalf},
+      {true, kFloat, kHalf, kLoud, kFull, kLoud},
+      {true, kFloat, kHalf, -1, 0, kFull},
+      {false, 400, 0, 399, 399, 399},
+      {false, 400, 0, 400, 399, 400},
+      {true, 400, 7, 9, 9, 7},
+      {false, -5, 0, 1, 0, 1},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(testing::Message() << testing::PrintToString(row.levels) << " of " << row.steps);
+    SCOPED_TRACE(testing::Message() << row.first << ", " << row.then << " of " << row.steps);
     MeterLevels levels(row.is_inverted);
-    levels.SetRange(row.steps == 0 ? 32767 : row.steps, row.steps == 0);
-    for (const std::int32_t level : row.levels) levels.SetLevel(0, level);
+    levels.SetRange(row.steps == kFloat ? 32767 : row.steps, row.steps == kFloat);
+    levels.SetLevel(0, row.first);
+    levels.SetLevel(0, row.then);
     EXPECT_EQ(levels.Channel(0).level, row.level);
-    EXPECT_EQ(levels.Channel(0).has_signal, row.levels.back() >= 0);
+    EXPECT_EQ(levels.Channel(0).has_signal, row.then >= 0);
     EXPECT_EQ(levels.Channel(0).extreme, row.extreme);
-    EXPECT_EQ(levels.IsClipped(0), row.is_clipped);
-    EXPECT_EQ(levels.IsAnyClipped(), row.is_clipped);
+    EXPECT_EQ(levels.IsAnyClipped(),
+              row.extreme == kLoud || row.extreme == kNan || row.extreme == 400 || row.steps < 0);
   }
 }
 
