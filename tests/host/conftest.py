@@ -58,7 +58,7 @@ class Host:
 
     def show(self, *arguments):
         """A program with windows, which has to wait for the desktop: it belongs to one at a time."""
-        return self.run(*arguments, runner=WINDOW_RUNNER, timeout_s=600)
+        return self.run(*arguments, runner=WINDOW_RUNNER, timeout_s=900)
 
     def render(self, *arguments):
         """One that must succeed."""
