@@ -6,6 +6,7 @@
 
 #include <deque>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "host/automation_csv.h"
@@ -61,7 +62,11 @@ class Photographer {
     picture_ = PictureOf(window);
     return false;
   }
-  const std::vector<std::uint8_t>& Picture() const { return picture_; }
+  // Throws a Failure when somebody closed the window before.
+  const std::vector<std::uint8_t>& Picture() const {
+    if (picture_.empty()) throw Failure("the window was closed before its picture was taken");
+    return picture_;
+  }
 
  private:
   ULONGLONG first_tick_ms_ = 0;
