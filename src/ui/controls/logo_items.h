@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tervan::ui {
@@ -21,9 +22,14 @@ class LogoItems {
   // Cut after kLongestText characters.
   void AddText(int id, std::wstring_view text);
   void AddButton(int id, bool is_on) { items_.push_back({.is_text = false, .id = id, .text = {}, .is_on = is_on}); }
-  // The number of the item, counted from 0; -1: there is none of this id. Only image buttons have a state.
-  int SetState(int id, bool is_on);
-  int Enable(int id, bool is_enabled);
+  // The number of the first item of this id, counted from 0; -1: there is none.
+  int Find(int id) const;
+  int FindButton(int id) const;
+  // True when it was not so before. Only image buttons are on or off.
+  bool SetOn(int number, bool is_on) { return std::exchange(items_[number].is_on, is_on) != is_on; }
+  bool SetEnabled(int number, bool is_enabled) {
+    return std::exchange(items_[number].is_enabled, is_enabled) != is_enabled;
+  }
 
   int Count() const { return static_cast<int>(items_.size()); }
   const LogoItem& operator[](int number) const { return items_[number]; }

@@ -58,8 +58,8 @@ LRESULT LogoStrip::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case kLogoSetImages:
     case kLogoSetHotImages:
     case kLogoSetDisabledImages: SetImages(message - kLogoSetImages, reinterpret_cast<HIMAGELIST>(wparam)); return 0;
-    case kLogoSetState: return ItemChanged(items_.SetState(id, lparam != 0));
-    case kLogoEnableItem: return ItemChanged(items_.Enable(id, lparam != 0));
+    case kLogoSetState: return SetOn(items_.FindButton(id), lparam != 0);
+    case kLogoEnableItem: return SetEnabled(items_.Find(id), lparam != 0);
 
     case WM_PAINT: OnPaint(); return 0;
     case WM_ERASEBKGND: return 1;
@@ -121,11 +121,22 @@ void LogoStrip::SetImages(int which, HIMAGELIST list) {
   LayOut();
 }
 
-LRESULT LogoStrip::ItemChanged(int item) {
+// Pages tell the state of their toggle many times a second: what is no change is not drawn, nor announced.
+LRESULT LogoStrip::SetOn(int item, bool is_on) {
   if (item < 0) return 0;
+  if (items_.SetOn(item, is_on)) ItemChanged(item);
+  return 1;
+}
+
+LRESULT LogoStrip::SetEnabled(int item, bool is_enabled) {
+  if (item < 0) return 0;
+  if (items_.SetEnabled(item, is_enabled)) ItemChanged(item);
+  return 1;
+}
+
+void LogoStrip::ItemChanged(int item) {
   Announce(EVENT_OBJECT_STATECHANGE, item + 1);
   Invalidate();
-  return 1;
 }
 
 // A strip without items is nothing that the user could go to.

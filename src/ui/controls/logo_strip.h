@@ -37,7 +37,9 @@ class LogoStrip final : public ControlWindow {
   LRESULT AddText(int id, const char* text, bool redraw);
   LRESULT AddButton(int id, bool is_on);
   void SetImages(int which, HIMAGELIST list);
-  LRESULT ItemChanged(int item);
+  LRESULT SetOn(int item, bool is_on);
+  LRESULT SetEnabled(int item, bool is_enabled);
+  void ItemChanged(int item);
 
   void LayOut();
   void ItemsChanged();
