@@ -82,10 +82,19 @@ prefix_works() {
 furnish_prefix() {
   # Debian's Wine looks for its own fonts where Debian does not put them. Links, since each Wine brings its own.
   ln -sf /usr/share/wine/fonts/* "$prefix/drive_c/windows/Fonts/"
-  # Desktops of our own have no window manager that would frame a window.
-  [[ $2 != test ]] || in_wine "$1" "$prefix" wine reg add 'HKCU\Software\Wine\AppDefaults\tervan-host.exe\X11 Driver' \
-    /v Decorated /d N /f >/dev/null 2>&1 </dev/null || say "the windows of tervan-host will have no frames"
+  if [[ $2 == test ]]; then
+    # Desktops of our own have no window manager: none frames a window, and none answers when a window goes, for which
+    # Wine waits two seconds each time.
+    driver_setting_off "$1" tervan-host Decorated || say "the windows of tervan-host will have no frames"
+    driver_setting_off "$1" module_tests Managed || say "the tests of the module will take minutes"
+  fi
   touch "$prefix/.tervanfx-furnished"
+}
+
+# driver_setting_off ARCH PROGRAM SETTING: of Wine's driver for windows.
+driver_setting_off() {
+  in_wine "$1" "$prefix" wine reg add "HKCU\\Software\\Wine\\AppDefaults\\$2.exe\\X11 Driver" /v "$3" /d N /f \
+    >/dev/null 2>&1 </dev/null
 }
 
 # wine_prefix ARCH PURPOSE: sets prefix; makes it when it is missing or was cut short.

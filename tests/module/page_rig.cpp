@@ -1,13 +1,9 @@
 #include "module/page_rig.h"
 
+#include <map>
+
 namespace tervan::test {
 namespace {
-
-// The desktop of the tests has no window manager. Wine, unless told before it shows the first window, waits two seconds
-// for an answer from one whenever a window goes.
-const LSTATUS told_wine =
-    RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\module_tests.exe\\X11 Driver", L"Managed", REG_SZ,
-                    L"N", sizeof L"N");
 
 constexpr UINT kAct = WM_APP;  // lParam: the function to call
 
@@ -25,8 +21,8 @@ HWND MakeFrame() {
                        nullptr, nullptr, nullptr, nullptr);
 }
 
-std::vector<std::pair<UINT, std::wstring>> ItemsOf(HMENU menu) {
-  std::vector<std::pair<UINT, std::wstring>> items;
+MenuItems ItemsOf(HMENU menu) {
+  MenuItems items;
   for (int i = 0; i < GetMenuItemCount(menu); ++i) {
     wchar_t text[600] = L"";
     GetMenuStringW(menu, i, text, 600, MF_BYPOSITION);
@@ -38,33 +34,29 @@ std::vector<std::pair<UINT, std::wstring>> ItemsOf(HMENU menu) {
 }  // namespace
 
 const PageRow& PageOf(EffectIndex effect) {
-  static const PageRow rows[] = {
-      {.effect = kDither,
-       .title = L"Dither",
-       .size = {185, 70},
-       .help_context = 4,
-       .topics = {{20010, {6002, 6003}}, {20011, {6004, 6005}}, {20012, {6006, 6007}}},
-       .value_controls = {6003, 6005, 6007},
-       .fresh = {L"16 bit", L"Half Rectangular", L"Off"},
-       .preset = 3,
-       .of_preset = {L"8 bit", L"Highpass Triangular", L"High-pass contour"},
-       .wrong = kGate},
-      {.effect = kGate,
-       .title = L"Track Noise Gate",
-       .size = {240, 139},
-       .help_context = 6,
-       .topics = {{20060, {7008, 7005, 7011}}, {20061, {7002, 7010, 7012}}, {20062, {7003, 7009, 7013}}},
-       .value_controls = {7005, 7010, 7009},
-       .fresh = {L"-Inf.", L"3", L"100"},
-       .preset = 3,
-       .of_preset = {L"-38.0 dB", L"10", L"1,000"},
-       .wrong = kDither},
+  static const std::map<EffectIndex, PageRow> rows = {
+      {kDither,
+       {.title = L"Dither",
+        .size = {185, 70},
+        .help_context = 4,
+        .topics = {{20010, {6002, 6003}}, {20011, {6004, 6005}}, {20012, {6006, 6007}}},
+        .value_controls = {6003, 6005, 6007},
+        .fresh = {L"16 bit", L"Half Rectangular", L"Off"},
+        .preset = 3,
+        .of_preset = {L"8 bit", L"Highpass Triangular", L"High-pass contour"},
+        .wrong = kGate}},
+      {kGate,
+       {.title = L"Track Noise Gate",
+        .size = {240, 139},
+        .help_context = 6,
+        .topics = {{20060, {7008, 7005, 7011}}, {20061, {7002, 7010, 7012}}, {20062, {7003, 7009, 7013}}},
+        .value_controls = {7005, 7010, 7009},
+        .fresh = {L"-Inf.", L"3", L"100"},
+        .preset = 3,
+        .of_preset = {L"-38.0 dB", L"10", L"1,000"},
+        .wrong = kDither}},
   };
-  for (const PageRow& row : rows) {
-    if (row.effect == effect) return row;
-  }
-  ADD_FAILURE() << "no page of " << effect;
-  return rows[0];
+  return rows.at(effect);
 }
 
 Page::Page(EffectIndex effect) : row(PageOf(effect)), frame(MakeFrame()) {
@@ -84,26 +76,11 @@ HRESULT Page::Open() const {
   return page->Activate(frame, &area, FALSE);
 }
 
-void Page::OpenFor(const Filter& filter) const {
-  ASSERT_EQ(Connect(filter.control.Get()), S_OK);
-  ASSERT_EQ(Open(), S_OK);
-}
-
 HWND Page::Control(int id) const {
   const HWND control = GetDlgItem(Dialog(), id);
   EXPECT_NE(control, nullptr) << id;
   return control;
 }
-
-LRESULT Page::Send(UINT message, WPARAM wparam, LPARAM lparam) const {
-  return SendMessageW(Dialog(), message, wparam, lparam);
-}
-
-LRESULT Page::SendTo(int id, UINT message, WPARAM wparam, LPARAM lparam) const {
-  return SendMessageW(Control(id), message, wparam, lparam);
-}
-
-std::wstring Page::TextOf(int id) const { return test::TextOf(Control(id)); }
 
 Texts Page::Shown() const {
   HandlePostedMessages();
@@ -119,7 +96,7 @@ void Page::Meanwhile(UINT message, WPARAM wparam, LPARAM lparam, const std::func
   EXPECT_FALSE(PeekMessageW(&left, nullptr, kAct, kAct, PM_REMOVE)) << "nothing was open";
 }
 
-Menu Page::PopUpMenu(LPARAM at, const std::vector<WORD>& keys) const {
+Page::Menu Page::PopUpMenu(LPARAM at, const std::vector<WORD>& keys) const {
   Menu result = {};
   Meanwhile(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(Dialog()), at, [&] {
     const HWND window = FindWindowW(L"#32768", nullptr);

@@ -9,9 +9,9 @@
 namespace tervan::test {
 
 using Texts = std::vector<std::wstring>;
+using MenuItems = std::vector<std::pair<UINT, std::wstring>>;  // command, text
 
 struct PageRow {
-  EffectIndex effect;
   const wchar_t* title;
   SIZE size;  // dialog units
   DWORD help_context;
@@ -24,34 +24,41 @@ struct PageRow {
 };
 
 const PageRow& PageOf(EffectIndex effect);
-
-struct Menu {
-  POINT place;
-  std::vector<std::pair<UINT, std::wstring>> items, presets;  // command, text
-};
+std::wstring TextOf(HWND window);
+void HandlePostedMessages();
 
 // A page and a window for it; connected and shown when the test does so, both undone at the end.
-class Page {
- public:
+struct Page {
   explicit Page(EffectIndex effect);
   ~Page();
 
   HRESULT Connect(IUnknown* object) const { return page->SetObjects(object ? 1 : 0, object ? &object : nullptr); }
   HRESULT Open() const;
+  void OpenFor(const Filter& filter) const {
+    ASSERT_EQ(Connect(filter.control.Get()), S_OK);
+    ASSERT_EQ(Open(), S_OK);
+  }
   void Close() const { EXPECT_EQ(page->Deactivate(), S_OK); }
-  void OpenFor(const Filter& filter) const;
 
   HWND Dialog() const { return GetWindow(frame, GW_CHILD); }
   HWND Control(int id) const;
-  LRESULT Send(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const;
-  LRESULT SendTo(int id, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const;
+  LRESULT Send(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const {
+    return SendMessageW(Dialog(), message, wparam, lparam);
+  }
+  LRESULT SendTo(int id, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const {
+    return SendMessageW(Control(id), message, wparam, lparam);
+  }
   void Command(int id, int code = 0) const { Send(WM_COMMAND, MAKEWPARAM(id, code)); }
-  std::wstring TextOf(int id) const;
+  std::wstring TextOf(int id) const { return test::TextOf(Control(id)); }
   // What the page shows of the settings, once it has handled all that was posted to it.
   Texts Shown() const;
 
   // Sends a message that opens a menu or a box, and acts while that is open.
   void Meanwhile(UINT message, WPARAM wparam, LPARAM lparam, const std::function<void()>& act) const;
+  struct Menu {
+    POINT place;
+    MenuItems items, presets;
+  };
   // Opens the popup menu, and presses the keys in it.
   Menu PopUpMenu(LPARAM at, const std::vector<WORD>& keys = {VK_ESCAPE}) const;
 
@@ -59,8 +66,5 @@ class Page {
   HWND frame;
   ComPtr<IPropertyPage> page;
 };
-
-void HandlePostedMessages();
-std::wstring TextOf(HWND window);
 
 }  // namespace tervan::test
