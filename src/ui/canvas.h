@@ -14,6 +14,9 @@ struct Colour {
   bool operator==(const Colour&) const = default;
 };
 
+inline constexpr Colour kBlack{0, 0, 0};
+inline constexpr Colour kWhite{255, 255, 255};
+
 // From one colour to the other: weight 0 to 256.
 Colour Mixed(Colour from, Colour to, int weight);
 

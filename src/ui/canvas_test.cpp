@@ -8,8 +8,6 @@
 namespace tervan::ui {
 namespace {
 
-constexpr Colour kBlack{0, 0, 0};
-constexpr Colour kWhite{255, 255, 255};
 constexpr std::uint32_t kUntouched = 0xABCDEF;
 
 // A picture in the middle of memory that nobody may write to.

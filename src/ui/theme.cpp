@@ -24,7 +24,6 @@ Palette CurrentPalette() {
       .disabled_text = System(COLOR_GRAYTEXT),
       .highlight = System(COLOR_BTNHIGHLIGHT),
       .shadow = System(COLOR_BTNSHADOW),
-      .dark_shadow = System(COLOR_3DDKSHADOW),
       .window = System(COLOR_WINDOW),
       .selection = System(COLOR_HIGHLIGHT),
       .channel = {38, 42, 46},

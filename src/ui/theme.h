@@ -16,8 +16,7 @@ struct Palette {
   Colour disabled_text;
   Colour highlight;  // lit edges
   Colour shadow;     // edges away from the light
-  Colour dark_shadow;
-  Colour window;  // behind text that is edited
+  Colour window;     // behind text that is edited
   Colour selection;
   Colour channel;  // what thumbs move in and meters stand before: dark, as on studio gear
   Colour channel_edge;

@@ -7,8 +7,6 @@
 namespace tervan::ui {
 namespace {
 
-constexpr Colour kWhite{255, 255, 255};
-constexpr Colour kBlack{0, 0, 0};
 constexpr Colour kDisabledText{210, 210, 210};
 
 constexpr int kFrameGap_px = 3;  // above and below a frame

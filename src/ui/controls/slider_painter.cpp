@@ -7,9 +7,6 @@
 namespace tervan::ui {
 namespace {
 
-constexpr Colour kWhite = {255, 255, 255};
-constexpr Colour kBlack = {0, 0, 0};
-
 // Pixels at 96 dpi.
 constexpr int kCapRadius = 3;
 constexpr int kLine = 1;
