@@ -32,8 +32,9 @@ STDMETHODIMP_(ULONG) ComObject::InnerUnknown::AddRef() { return ++owner_.referen
 STDMETHODIMP_(ULONG) ComObject::InnerUnknown::Release() {
   const ULONG left = --owner_.references_;
   if (left != 0) return left;
-  // Held up while the destructors run: a reference that they take and drop must not destroy the object again.
+  // Held up meanwhile: a reference that is taken and dropped must not destroy the object again.
   owner_.references_ = 1;
+  owner_.OnLastRelease();
   delete &owner_;
   return 0;
 }

@@ -46,6 +46,9 @@ class ComObject {
   // own table first and then asks its base.
   virtual IUnknown* FindInterface(REFIID iid) noexcept;
 
+  // The last reference is gone and the destructors come next: what still needs the whole object.
+  virtual void OnLastRelease() noexcept {}
+
  private:
   struct InnerUnknown final : IUnknown {
     explicit InnerUnknown(ComObject& owner) noexcept : owner_(owner) {}

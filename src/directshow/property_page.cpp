@@ -1,5 +1,10 @@
 #include "directshow/property_page.h"
 
+#include <algorithm>
+#include <new>
+
+#include "directshow/string_resource.h"
+
 namespace tervan::directshow {
 namespace {
 
@@ -16,24 +21,15 @@ SIZE MeasureDialog(HINSTANCE module, int dialog_id) {
   return size;
 }
 
-// With length 0 a string resource is not copied: the answer is its address in the module. It has no terminator.
 HRESULT LoadTitle(HINSTANCE module, int title_id, LPOLESTR* title) {
-  const wchar_t* text = nullptr;
-  const int length = LoadStringW(module, title_id, reinterpret_cast<LPWSTR>(&text), 0);
-  *title = static_cast<LPOLESTR>(CoTaskMemAlloc((length + size_t{1}) * sizeof(wchar_t)));
+  const std::wstring_view text = StringResource(module, title_id);
+  *title = static_cast<LPOLESTR>(CoTaskMemAlloc((text.size() + 1) * sizeof(wchar_t)));
   if (!*title) return E_OUTOFMEMORY;
-  CopyMemory(*title, text, length * sizeof(wchar_t));
-  (*title)[length] = L'\0';
+  *std::copy(text.begin(), text.end(), *title) = L'\0';
   return S_OK;
 }
 
 }  // namespace
-
-PropertyPage::~PropertyPage() {
-  if (!dialog_) return;
-  SetWindowLongPtrW(dialog_, DWLP_USER, 0);  // the hooks of the derived page are gone by now
-  DestroyWindow(dialog_);
-}
 
 IUnknown* PropertyPage::FindInterface(REFIID iid) noexcept {
   return FindIn(iid, {{IID_IPropertyPage, static_cast<IPropertyPage*>(this)}});
@@ -78,7 +74,7 @@ STDMETHODIMP PropertyPage::GetPageInfo(PROPPAGEINFO* info) {
   return S_OK;
 }
 
-STDMETHODIMP PropertyPage::SetObjects(ULONG count, IUnknown** objects) {
+STDMETHODIMP PropertyPage::SetObjects(ULONG count, IUnknown** objects) try {
   if (count > 1) return E_UNEXPECTED;
   if (count == 0) {
     has_object_ = false;
@@ -88,6 +84,8 @@ STDMETHODIMP PropertyPage::SetObjects(ULONG count, IUnknown** objects) {
   const HRESULT result = OnConnect(objects[0]);
   has_object_ = SUCCEEDED(result);
   return result;
+} catch (const std::bad_alloc&) {
+  return E_OUTOFMEMORY;
 }
 
 STDMETHODIMP PropertyPage::Show(UINT command) {
@@ -126,10 +124,13 @@ INT_PTR CALLBACK PropertyPage::DialogProc(HWND dialog, UINT message, WPARAM wpar
   // Messages that come before WM_INITDIALOG find no page yet.
   auto* const page = reinterpret_cast<PropertyPage*>(GetWindowLongPtrW(dialog, DWLP_USER));
   if (!page) return FALSE;
-  if (message != WM_NCDESTROY) return page->OnReceiveMessage(dialog, message, wparam, lparam);
   // Whoever destroyed the window, be it its parent: the page has none now.
-  page->dialog_ = nullptr;
-  return page->OnReceiveMessage(dialog, message, wparam, lparam);
+  if (message == WM_NCDESTROY) page->dialog_ = nullptr;
+  try {
+    return page->OnReceiveMessage(dialog, message, wparam, lparam);
+  } catch (const std::bad_alloc&) {
+    return FALSE;
+  }
 }
 
 }  // namespace tervan::directshow

@@ -9,7 +9,8 @@
 
 namespace tervan::directshow {
 
-// Everything runs on the thread of the frame's windows: no locks. Hooks do not throw.
+// Everything runs on the thread of the frame's windows: no locks. Hooks may throw std::bad_alloc, which becomes
+// E_OUTOFMEMORY, or a message that was not handled.
 class PropertyPage : public Implements<ComObject, IPropertyPage> {
  public:
   // S_OK; E_UNEXPECTED for a second site, or for none to drop.
@@ -38,9 +39,12 @@ class PropertyPage : public Implements<ComObject, IPropertyPage> {
   // Dialog and title are resources of this module.
   PropertyPage(IUnknown* outer, HINSTANCE module, int dialog_id, int title_id) noexcept
       : Implements(outer), module_(module), dialog_id_(dialog_id), title_id_(title_id) {}
-  ~PropertyPage() override;
 
   IUnknown* FindInterface(REFIID iid) noexcept override;
+  // A page that is released while it is shown takes its window along.
+  void OnLastRelease() noexcept override {
+    if (dialog_) DestroyWindow(dialog_);
+  }
 
   virtual HRESULT OnConnect(IUnknown* /*object*/) { return S_OK; }
   virtual HRESULT OnDisconnect() { return S_OK; }

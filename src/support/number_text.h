@@ -4,11 +4,9 @@
 // format. Where a typed text could mean two things, the format decides:
 //
 // - "2.500" and "3.5" are 2500 and 35 where '.' separates groups, and 2.5 and 3.5 everywhere else, even where the
-// decimal
-//   sign is another one, since '.' is on every numeric keypad. A comma is what the format says and nothing else.
+//   decimal sign is another one: '.' is on every numeric keypad. A comma is what the format says and nothing else.
 // - A group separator may stand between any two digits left of the decimal sign: people leave it in place while they
-// add
-//   and delete digits around it. Thus "2,50" is 250 where ',' separates groups.
+//   add and delete digits around it. Thus "2,50" is 250 where ',' separates groups.
 // - Blanks between digits separate groups in every format, so "2 500" is one number, not two.
 //
 // Not numbers: exponents, signs behind the digits, parentheses, units, two separators in a row, digits of other

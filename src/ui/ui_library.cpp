@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "directshow/string_resource.h"
 #include "resources/ids.h"
 #include "ui/theme.h"
 
@@ -61,11 +62,8 @@ void EndUi() {
 
 HINSTANCE ResourceModule() { return resource_module; }
 
-// With length 0 a string is not copied: the answer is its address in the module.
 std::wstring ResourceText(UINT string_id) {
-  const wchar_t* text = nullptr;
-  const int length = LoadStringW(resource_module, string_id, reinterpret_cast<LPWSTR>(&text), 0);
-  return {text, static_cast<size_t>(length)};
+  return std::wstring(directshow::StringResource(resource_module, string_id));
 }
 
 HFONT TitleFont() { return title_font.Get(); }

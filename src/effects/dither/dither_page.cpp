@@ -57,10 +57,11 @@ void DitherPage::OnInitPage() {
 
 // A value without an entry leaves the selection as it was.
 void DitherPage::RefreshControls(int id, Refresh) {
+  const auto filter = Held();
   for (const List& list : kLists) {
     if (id != ui::kAllControls && id != list.id) continue;
     INT32 value = -1;
-    (control().*list.get)(&value);
+    (*filter.*list.get)(&value);
     const auto count = Send(list.id, CB_GETCOUNT);
     for (LRESULT entry = 0; entry < count; ++entry) {
       if (Send(list.id, CB_GETITEMDATA, entry) != value) continue;
@@ -78,8 +79,9 @@ void DitherPage::OnCommand(int id, int code) {
     if (id != list.id) continue;
     const LRESULT entry = Send(list.id, CB_GETCURSEL);
     if (entry == CB_ERR) return;
-    (control().*list.set)(static_cast<INT32>(Send(list.id, CB_GETITEMDATA, entry)));
-    RefreshControls(ui::kAllControls, Refresh::kOthers);
+    const auto filter = Held();
+    (*filter.*list.set)(static_cast<INT32>(Send(list.id, CB_GETITEMDATA, entry)));
+    ShowValues(ui::kAllControls, Refresh::kOthers);
   }
 }
 

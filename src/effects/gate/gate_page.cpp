@@ -11,71 +11,49 @@ using ui::kAllControls;
 using ui::Refresh;
 using ui::ScrollCode;
 
-constexpr INT32 kGateOff = -800;  // a threshold from here on down
+constexpr const ParamDescriptor& DescriptorOf(GateParam param) { return gate::kParams[static_cast<size_t>(param)]; }
 
 std::wstring LevelText(INT32 tenth_db) {
-  return tenth_db <= kGateOff ? ui::kMinusInfinity : ui::TenthsText(tenth_db) + L" dB";
+  const bool is_gate_off = tenth_db <= DescriptorOf(GateParam::kThresholdLevel).controlMin;
+  return is_gate_off ? ui::kMinusInfinity : ui::TenthsText(tenth_db) + L" dB";
 }
 
-// The platform's own reader: digits without grouping, as so short a time has them.
-INT32 ReadPlainInteger(HWND edit) {
+// The platform's own reader, which knows no grouping: for numbers too short to be grouped. It may give a typed minus
+// back as a number beyond 31 bits, so such numbers count as below the range.
+INT32 ReadShortInteger(HWND edit) {
   return static_cast<INT32>(GetDlgItemInt(GetParent(edit), GetDlgCtrlID(edit), nullptr, FALSE));
 }
+
 INT32 ReadGroupedInteger(HWND edit) {
   constexpr int kMaxLength = 40;
   return ui::ReadInteger(edit, kMaxLength);
 }
 
-// A parameter, the slider that moves it and the field that shows it.
+// A parameter, the slider that moves it and the field that shows it. The slider's positions are control values.
 struct Row {
+  GateParam param;
   int slider_id;
   int field_id;
-  std::wstring (*text)(INT32 value);
-  INT32 (*read)(HWND edit);  // null: the field cannot be edited
-  const wchar_t* unit;       // that screen readers are told besides the text
-  int minimum, maximum, neutral;
+  int default_position;  // of a double click
   decltype(&ui::ScrollTrackbar) scroll;
-  int line_step, page_step;
+  int page_step;
+  std::wstring (*text)(INT32 value);
+  const wchar_t* unit;       // what the text leaves out, for screen readers
+  INT32 (*read)(HWND edit);  // null: the field cannot be edited
   ui::ParamSlots<IGateSettings, INT32> slots;
 };
 
-constexpr Row kThreshold{IDC_GATE_THRESHOLD,
-                         IDC_GATE_THRESHOLD_TEXT,
-                         LevelText,
-                         nullptr,
-                         L"",
-                         kGateOff,
-                         0,
-                         -400,
-                         ui::ScrollFader,
-                         1,
-                         10,
-                         TERVAN_SLOTS_OF(IGateSettings, ThresholdLevel)};
-constexpr Row kAttack{IDC_GATE_ATTACK,
-                      IDC_GATE_ATTACK_EDIT,
-                      ui::IntegerText,
-                      ReadPlainInteger,
-                      L" ms",
-                      0,
-                      500,
-                      250,
-                      ui::ScrollTrackbar,
-                      1,
-                      10,
-                      TERVAN_SLOTS_OF(IGateSettings, AttackTime)};
-constexpr Row kRelease{IDC_GATE_RELEASE,
-                       IDC_GATE_RELEASE_EDIT,
-                       ui::IntegerText,
-                       ReadGroupedInteger,
-                       L" ms",
-                       1,
-                       5000,
-                       2500,
-                       ui::ScrollTrackbar,
-                       1,
-                       100,
-                       TERVAN_SLOTS_OF(IGateSettings, ReleaseTime)};
-constexpr const Row* kRows[] = {&kThreshold, &kAttack, &kRelease};
+// clang-format off
+constexpr Row kRows[] = {
+    {GateParam::kThresholdLevel, IDC_GATE_THRESHOLD, IDC_GATE_THRESHOLD_TEXT, -400, ui::ScrollFader, 10,
+     LevelText, L"", nullptr, TERVAN_SLOTS_OF(IGateSettings, ThresholdLevel)},
+    {GateParam::kAttackTime, IDC_GATE_ATTACK, IDC_GATE_ATTACK_EDIT, 250, ui::ScrollTrackbar, 10,
+     ui::IntegerText, L" ms", ReadShortInteger, TERVAN_SLOTS_OF(IGateSettings, AttackTime)},
+    {GateParam::kReleaseTime, IDC_GATE_RELEASE, IDC_GATE_RELEASE_EDIT, 2500, ui::ScrollTrackbar, 100,
+     ui::IntegerText, L" ms", ReadGroupedInteger, TERVAN_SLOTS_OF(IGateSettings, ReleaseTime)},
+};
+// clang-format on
+constexpr int kLineStep = 1;
 
 constexpr ui::HelpTopic kHelpTopics[] = {
     {IDC_GATE_THRESHOLD, 60}, {IDC_GATE_THRESHOLD_TEXT, 60}, {IDC_GATE_THRESHOLD_LABEL, 60},
@@ -100,58 +78,63 @@ constexpr ui::PageDescription kDescription{
 GatePage::GatePage(IUnknown* outer) noexcept : AutomatedPageFor(outer, kDescription) {}
 
 void GatePage::OnInitPage() {
-  for (const Row* row : kRows) {
-    Send(row->slider_id, ui::kSliderSetMinimum, 0, row->minimum);
-    Send(row->slider_id, ui::kSliderSetMaximum, 0, row->maximum);
-    Send(row->slider_id, ui::kSliderSetDefault, 0, row->neutral);
+  for (const Row& row : kRows) {
+    Send(row.slider_id, ui::kSliderSetMinimum, 0, DescriptorOf(row.param).controlMin);
+    Send(row.slider_id, ui::kSliderSetMaximum, 0, DescriptorOf(row.param).controlMax);
+    Send(row.slider_id, ui::kSliderSetDefault, 0, row.default_position);
   }
 }
 
 void GatePage::RefreshControls(int id, Refresh refresh) {
-  for (const Row* row : kRows) {
-    const bool is_edit = row->read && id == row->field_id;
-    if (id != kAllControls && id != row->slider_id && !is_edit) continue;
-    const INT32 value = row->slots.Get(control());
-    const std::wstring text = row->text(value);
-    if (id != row->slider_id || refresh == Refresh::kForced) {
-      Send(row->slider_id, ui::kSliderSetPosition, TRUE, value);
-    }
-    ShowText(row->slider_id, text + row->unit);
-    ShowText(row->field_id, text);
+  const auto filter = Held();
+  for (const Row& row : kRows) {
+    const bool is_edit = row.read && id == row.field_id;
+    if (id != kAllControls && id != row.slider_id && !is_edit) continue;
+    const INT32 value = row.slots.Get(*filter);
+    const std::wstring text = row.text(value);
+    ShowText(row.slider_id, text + row.unit);
+    ShowText(row.field_id, text);
+    if (id != row.slider_id || refresh == Refresh::kForced) Send(row.slider_id, ui::kSliderSetPosition, TRUE, value);
   }
 }
 
-void GatePage::OnFilterNotification(int) { RefreshControls(kAllControls, Refresh::kOthers); }
+void GatePage::OnFilterNotification(int) { ShowValues(kAllControls, Refresh::kOthers); }
 
 void GatePage::OnScroll(UINT message, ScrollCode code, HWND slider) {
   const int id = GetDlgCtrlID(slider);
-  for (const Row* row : kRows) {
-    if (id != row->slider_id) continue;
-    const INT32 position = row->scroll(message, code, slider, row->line_step, row->page_step);
-    row->slots.Edit(control(), position, code == ScrollCode::kEnd);
-    RefreshControls(id, Refresh::kOthers);
+  const auto filter = Held();
+  for (const Row& row : kRows) {
+    if (id != row.slider_id) continue;
+    const INT32 position = row.scroll(message, code, slider, kLineStep, row.page_step);
+    row.slots.Edit(*filter, position, code == ScrollCode::kEnd);
+    ShowValues(id, Refresh::kOthers);
   }
 }
 
 void GatePage::OnCommand(int id, int code) {
+  const auto filter = Held();
   if (id == ID_BYPASS) {
-    ToggleBypass();
-    RefreshControls(kAllControls, Refresh::kOthers);
+    ToggleBypass(*filter);
+    ShowValues(kAllControls, Refresh::kOthers);
     return;
   }
-  for (const Row* row : kRows) {
-    if (!row->read || id != row->field_id || code != EN_KILLFOCUS) continue;
-    (control().*row->slots.set)(row->read(ControlOf(id)));
-    RefreshControls(id, Refresh::kOthers);
+  for (const Row& row : kRows) {
+    if (!row.read || id != row.field_id || code != EN_KILLFOCUS) continue;
+    (*filter.*row.slots.set)(row.read(ControlOf(id)));
+    ShowValues(id, Refresh::kOthers);
   }
 }
 
 void GatePage::OnTimer() {
-  FollowBypass();
-  for (const Row* row : {&kRelease, &kAttack, &kThreshold}) {
-    const bool is_automated = row->slots.IsAutomated(control());
-    if (is_automated) RefreshControls(row->slider_id, Refresh::kForced);
-    if (row->read) Enable(row->field_id, !is_automated);
+  const auto filter = Held();
+  FollowBypass(*filter);
+  for (size_t i = std::size(kRows); i-- > 0;) {
+    const Row& row = kRows[i];
+    const bool is_automated = row.slots.IsAutomated(*filter);
+    // Once more after the automation's end, for where it has left the value.
+    if (is_automated || was_automated_[i]) ShowValues(row.slider_id, Refresh::kForced);
+    was_automated_[i] = is_automated;
+    if (row.read) Enable(row.field_id, !is_automated);
   }
 }
 

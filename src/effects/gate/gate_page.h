@@ -2,6 +2,8 @@
 // bypass toggle.
 #pragma once
 
+#include <array>
+
 #include "effects/gate/gate_interface.h"
 #include "ui/pages/page_params.h"
 
@@ -20,6 +22,8 @@ class GatePage final : public ui::AutomatedPageFor<IGateSettings> {
   void OnCommand(int id, int code) override;
   void OnScroll(UINT message, ui::ScrollCode code, HWND slider) override;
   void OnTimer() override;
+
+  std::array<bool, 3> was_automated_{};  // a row each, at the last tick of the timer
 };
 
 }  // namespace tervan

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "ui/control_window.h"
 #include "ui/ui_library.h"
 
 namespace tervan::ui {
@@ -63,8 +64,14 @@ class HelpPopup final : public ControlWindow {
   bool is_closing_ = false;
 };
 
-const ControlClass kHelpPopupClass = {L"TervanHelpPopup", CS_SAVEBITS | CS_DROPSHADOW, sizeof(void*), IDC_ARROW,
-                                          COLOR_INFOBK,       WindowProcOf<HelpPopup>};
+const ControlClass kHelpPopupClass = {
+    .name = L"TervanHelpPopup",
+    .style = CS_SAVEBITS | CS_DROPSHADOW,
+    .extra_bytes = sizeof(void*),
+    .cursor = IDC_ARROW,
+    .background = COLOR_INFOBK,
+    .procedure = WindowProcOf<HelpPopup>,
+};
 
 SIZE PopupSize(const std::wstring& text) {
   const WindowDc screen(nullptr);
@@ -92,18 +99,26 @@ POINT PopupPlace(const RECT& near_bounds, SIZE size) {
 
 }  // namespace
 
-void ShowHelpPopup(HWND owner, const RECT& near_bounds, const std::wstring& text) {
-  if (text.empty()) return;
+HWND ShowHelpPopup(HWND owner, const RECT& near_bounds, const std::wstring& text) {
+  if (text.empty()) return nullptr;
   RegisterControlClass(ResourceModule(), kHelpPopupClass);  // fails when it is there already, which is as good
   const SIZE size = PopupSize(text);
   const POINT place = PopupPlace(near_bounds, size);
   const HWND popup =
       CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW, kHelpPopupClass.name, text.c_str(), WS_POPUP | WS_BORDER,
                       place.x, place.y, size.cx, size.cy, owner, nullptr, ResourceModule(), nullptr);
-  if (!popup) return;
+  if (!popup) return nullptr;
   ShowWindow(popup, SW_SHOW);
   SetFocus(popup);
   SetCapture(popup);  // a click anywhere ends it
+  return popup;
+}
+
+// The number of a window that is gone may be another's by now: only a popup is destroyed.
+void CloseHelpPopup(HWND popup) {
+  constexpr int kLength = 32;
+  wchar_t name[kLength];
+  if (popup && GetClassNameW(popup, name, kLength) && lstrcmpW(name, kHelpPopupClass.name) == 0) DestroyWindow(popup);
 }
 
 void UnregisterHelpPopup() { UnregisterControlClass(ResourceModule(), kHelpPopupClass); }

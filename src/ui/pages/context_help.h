@@ -5,13 +5,14 @@
 
 #include <string>
 
-#include "ui/control_window.h"
-
 namespace tervan::ui {
 
 // Shows the text near this part of the screen until a key, a click or another window comes in between. It takes the
-// focus and gives it back. Nothing is shown for an empty text.
-void ShowHelpPopup(HWND owner, const RECT& near_bounds, const std::wstring& text);
+// focus and gives it back. Null when there is nothing to show, or no window to show it.
+HWND ShowHelpPopup(HWND owner, const RECT& near_bounds, const std::wstring& text);
+
+// For the end of whoever showed it; it may be gone long since.
+void CloseHelpPopup(HWND popup);
 
 // The window class of the popup, registered when it is first shown.
 void UnregisterHelpPopup();

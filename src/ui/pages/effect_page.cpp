@@ -1,11 +1,11 @@
 #include "ui/pages/effect_page.h"
 
 #include <algorithm>
+#include <new>
 
 #include "resources/ids.h"
 #include "ui/control_window.h"
 #include "ui/controls/logo_messages.h"
-#include "ui/pages/about_box.h"
 #include "ui/pages/context_help.h"
 #include "ui/pages/page_menu.h"
 #include "ui/ui_library.h"
@@ -28,9 +28,9 @@ constexpr int kBypassImageWidth = 21;
 constexpr COLORREF kTransparent = RGB(0xFF, 0x00, 0xFF);
 
 std::string InSystemCodePage(const std::wstring& text) {
-  std::string narrow(text.size() * 2, '\0');
-  narrow.resize(WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), narrow.data(),
-                                    static_cast<int>(narrow.size()), nullptr, nullptr));
+  const int length = static_cast<int>(text.size());
+  std::string narrow(WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr), '\0');
+  WideCharToMultiByte(CP_ACP, 0, text.data(), length, narrow.data(), static_cast<int>(narrow.size()), nullptr, nullptr);
   return narrow;
 }
 
@@ -43,14 +43,13 @@ std::wstring StripText(std::wstring name) {
   return name + L' ';
 }
 
-POINT PointOf(LPARAM lparam) { return {static_cast<SHORT>(LOWORD(lparam)), static_cast<SHORT>(HIWORD(lparam))}; }
-
 }  // namespace
 
 EffectPage::EffectPage(IUnknown* outer, const PageDescription& description) noexcept
     : PropertyPage(outer, ResourceModule(), description.dialog_id, description.title_id), description_(description) {}
 
-STDMETHODIMP EffectPage::GetPageInfo(PROPPAGEINFO* info) {
+STDMETHODIMP EffectPage::GetPageInfo(PROPPAGEINFO* info) try {
+  help_files_ = LocateHelpFiles();
   const HRESULT result = PropertyPage::GetPageInfo(info);
   if (FAILED(result)) return result;
   info->pszHelpFile = static_cast<LPOLESTR>(CoTaskMemAlloc(kHelpPathBytes));
@@ -59,15 +58,23 @@ STDMETHODIMP EffectPage::GetPageInfo(PROPPAGEINFO* info) {
     info->pszTitle = nullptr;
     return E_OUTOFMEMORY;
   }
-  help_files_ = LocateHelpFiles();
   lstrcpynW(info->pszHelpFile, help_files_.html_help.c_str(), kHelpPathBytes / sizeof(wchar_t));
   info->dwHelpContext = description_.help_context;
   return S_OK;
+} catch (const std::bad_alloc&) {
+  return E_OUTOFMEMORY;
 }
 
-STDMETHODIMP EffectPage::Help(LPCOLESTR /*help_dir*/) {
+STDMETHODIMP EffectPage::Help(LPCOLESTR /*help_dir*/) try {
   if (help_files_.html_help.empty()) help_files_ = LocateHelpFiles();
   return OpenHtmlHelp(help_files_, Dialog(), description_.help_context) ? S_OK : E_UNEXPECTED;
+} catch (const std::bad_alloc&) {
+  return E_UNEXPECTED;
+}
+
+STDMETHODIMP EffectPage::Show(UINT command) {
+  if (Dialog() && command == SW_HIDE) LeaveControls();
+  return PropertyPage::Show(command);
 }
 
 HRESULT EffectPage::OnConnect(IUnknown* object) {
@@ -78,13 +85,15 @@ HRESULT EffectPage::OnConnect(IUnknown* object) {
   object_ = object;
   if (Dialog()) {
     SetNotifyWindow(Dialog(), ID_FILTER_CHANGED);
-    RefreshControls(kAllControls, Refresh::kOthers);
+    ShowValues(kAllControls, Refresh::kOthers);
   }
   return S_OK;
 }
 
 HRESULT EffectPage::OnDisconnect() {
   if (!HasControl()) return E_UNEXPECTED;
+  if (Dialog()) LeaveControls();
+  if (!HasControl()) return S_OK;  // done meanwhile by whoever was told of an edit's end
   if (Dialog()) SetNotifyWindow(Dialog(), 0);
   DropControl();
   object_ = nullptr;
@@ -117,7 +126,10 @@ INT_PTR EffectPage::OnReceiveMessage(HWND dialog, UINT message, WPARAM wparam, L
     case WM_TIMER:
       if (HasControl()) OnTimer();
       return TRUE;
-    case WM_CONTEXTMENU: return ShowPageMenu(dialog, object_, PointOf(lparam)), FALSE;
+    case WM_CONTEXTMENU:
+      ShowPageMenu(dialog, object_, PointFrom(lparam));
+      SetWindowLongPtrW(dialog, DWLP_MSGRESULT, 0);
+      return TRUE;  // else the frame would be asked for a menu of its own
     case WM_HELP: return OnContextHelp(*reinterpret_cast<const HELPINFO*>(lparam)), TRUE;
     case WM_DESTROY: return Destroyed(), FALSE;
   }
@@ -128,7 +140,7 @@ void EffectPage::Initialise() {
   if (HasControl()) SetNotifyWindow(Dialog(), ID_FILTER_CHANGED);
   SetUpLogoStrip();
   OnInitPage();
-  if (HasControl()) RefreshControls(kAllControls, Refresh::kOthers);
+  ShowValues(kAllControls, Refresh::kOthers);
   for (const UINT_PTR timer : description_.timers) SetTimer(Dialog(), timer, kTimerPeriodMs, nullptr);
 }
 
@@ -143,6 +155,9 @@ void EffectPage::LeaveControls() {
 
 void EffectPage::Destroyed() {
   LeaveControls();
+  CloseMenuOf(Dialog());
+  about_box_.Close();
+  CloseHelpPopup(help_popup_);
   if (HasControl()) SetNotifyWindow(Dialog(), 0);
   for (const UINT_PTR timer : description_.timers) KillTimer(Dialog(), timer);
   if (FileExists(help_files_.win_help)) WinHelpW(Dialog(), help_files_.win_help.c_str(), 0, 0);
@@ -151,12 +166,12 @@ void EffectPage::Destroyed() {
 void EffectPage::OnPageCommand(int id, int code) {
   if (id >= ID_PRESET_FIRST && id <= ID_PRESET_LAST) {
     ApplyPresetOfCommand(object_, id);
-    RefreshControls(kAllControls, Refresh::kOthers);
+    ShowValues(kAllControls, Refresh::kOthers);
     return;
   }
   switch (id) {
     case ID_HELP: Help(nullptr); break;
-    case ID_ABOUT: ShowAboutBox(Dialog()); break;
+    case ID_ABOUT: about_box_.Show(Dialog()); break;
     case ID_FILTER_CHANGED: OnFilterNotification(code); break;
     default: OnCommand(id, code);
   }
@@ -169,18 +184,20 @@ void EffectPage::OnContextHelp(const HELPINFO& help) {
     if (help_files_.win_help.empty()) help_files_ = LocateHelpFiles();
     const auto control = static_cast<HWND>(help.hItemHandle);
     if (FileExists(help_files_.win_help) &&
-        WinHelpW(control, help_files_.win_help.c_str(), HELP_CONTEXTPOPUP, row.topic)) {
+        WinHelpW(Dialog(), help_files_.win_help.c_str(), HELP_CONTEXTPOPUP, row.topic)) {
       return;
     }
     RECT bounds;
     if (!GetWindowRect(control, &bounds)) bounds = {help.MousePos.x, help.MousePos.y, help.MousePos.x, help.MousePos.y};
-    ShowHelpPopup(Dialog(), bounds, ResourceText(kTopicStringBase + row.topic));
+    help_popup_ = ShowHelpPopup(Dialog(), bounds, ResourceText(kTopicStringBase + row.topic));
     return;
   }
 }
 
 void EffectPage::SetUpLogoStrip() {
   const HWND strip = ControlOf(IDC_LOGO_STRIP);
+  // Behind the page's own controls for the Tab key: a page opens at its first parameter, not at the bypass toggle.
+  SetWindowPos(strip, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
   const auto add_text = [strip](int command_id, UINT string_id) {
     const std::string text = InSystemCodePage(ResourceText(string_id));
     SendMessageW(strip, kLogoAddText, MAKEWPARAM(command_id, 0), reinterpret_cast<LPARAM>(text.c_str()));

@@ -15,6 +15,7 @@
 #include "directshow/com_ptr.h"
 #include "directshow/property_page.h"
 #include "ui/controls/slider_messages.h"
+#include "ui/pages/about_box.h"
 #include "ui/pages/help_files.h"
 
 namespace tervan::ui {
@@ -55,6 +56,8 @@ class EffectPage : public directshow::PropertyPage {
   STDMETHODIMP GetPageInfo(PROPPAGEINFO* info) override;
   // Opens the help file. S_OK, or E_UNEXPECTED when it cannot be shown.
   STDMETHODIMP Help(LPCOLESTR help_dir) override;
+  // As the base. Hiding ends what the user is in the middle of.
+  STDMETHODIMP Show(UINT command) override;
 
  protected:
   EffectPage(IUnknown* outer, const PageDescription& description) noexcept;
@@ -65,7 +68,8 @@ class EffectPage : public directshow::PropertyPage {
   virtual void DropControl() = 0;
   virtual void SetNotifyWindow(HWND window, int command_id) = 0;
 
-  // The hooks of a page. All but the first are called with a control interface only.
+  // The hooks of a page. All but the first are called with a control interface only. Whatever reaches the filter may
+  // reach the host's recorder, which may close the page: a hook holds the interface for as long as it works.
   virtual void OnInitPage() = 0;  // fills the controls; there may be no control interface yet
   // Shows the filter's values in one control, or with kAllControls in all.
   virtual void RefreshControls(int id, Refresh refresh) = 0;
@@ -79,6 +83,11 @@ class EffectPage : public directshow::PropertyPage {
   HRESULT OnActivate() final;
   HRESULT OnDeactivate() final;
   INT_PTR OnReceiveMessage(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) final;
+
+  // RefreshControls, unless the page has been disconnected.
+  void ShowValues(int id, Refresh refresh) {
+    if (HasControl()) RefreshControls(id, refresh);
+  }
 
   const PageDescription& description() const { return description_; }
   // Null when the dialog has no such control, or there is no dialog; messages to it then go nowhere.
@@ -100,6 +109,8 @@ class EffectPage : public directshow::PropertyPage {
   const PageDescription& description_;
   IUnknown* object_ = nullptr;  // not referenced: the frame holds it as long as the page is connected
   HelpFiles help_files_;
+  HWND help_popup_ = nullptr;  // the last one, be it still there or not
+  AboutBox about_box_;
   std::array<ImageList, 3> bypass_images_;
 };
 
@@ -108,11 +119,6 @@ template <class Control>
 class EffectPageFor : public EffectPage {
  protected:
   using EffectPage::EffectPage;
-  // A page that is released while it is shown takes its window along without another message.
-  ~EffectPageFor() override {
-    if (control_ && Dialog()) control_->SetNotifyWindow(Dialog(), 0);
-  }
-
   HRESULT TakeControl(IUnknown* object) final {
     control_ = directshow::Query<Control>(object);
     return control_ ? S_OK : E_NOINTERFACE;
@@ -121,7 +127,8 @@ class EffectPageFor : public EffectPage {
   void DropControl() final { control_.Reset(); }
   void SetNotifyWindow(HWND window, int command_id) final { control_->SetNotifyWindow(window, command_id); }
 
-  Control& control() const { return *control_; }
+  // A reference, since the page's own may go while the filter is told something.
+  directshow::ComPtr<Control> Held() const { return control_; }
 
  private:
   directshow::ComPtr<Control> control_;

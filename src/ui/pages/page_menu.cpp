@@ -14,8 +14,8 @@ namespace {
 
 using directshow::ComPtr;
 
-constexpr LONG kMaxPresets = ID_PRESET_LAST;
-constexpr int kMaxNameLength = 260;  // with its terminator
+constexpr LONG kMaxPresetCount = 40999;  // whatever an object says
+constexpr int kMaxNameLength = 260;      // with its terminator
 
 // As a menu shows it: an ampersand by itself would underline the letter behind it.
 std::wstring MenuText(const wchar_t* name) {
@@ -31,8 +31,8 @@ void AppendPresets(HMENU menu, IUnknown* object) {
   LONG count = 0;
   if (!presets || FAILED(presets->GetPresetCount(&count))) return;
   UINT id = ID_PRESET_FIRST;
-  for (LONG preset = 1; preset < std::min(count, kMaxPresets) && id <= ID_PRESET_LAST; ++preset) {
-    wchar_t name[kMaxNameLength];
+  for (LONG preset = 1; preset < std::min(count, kMaxPresetCount) && id <= ID_PRESET_LAST; ++preset) {
+    wchar_t name[kMaxNameLength] = {};
     if (FAILED(presets->GetPresetName(preset, name, kMaxNameLength))) continue;
     AppendMenuW(menu, MF_STRING, id++, MenuText(name).c_str());
   }
@@ -54,15 +54,22 @@ MenuHandle BuildMenu(IUnknown* object) {
 
 }  // namespace
 
-void ShowPageMenu(HWND page, IUnknown* object, POINT at) {
+void ShowPageMenu(HWND page, IUnknown* object, Point at) {
   const MenuHandle menu = BuildMenu(object);
   if (!menu) return;
   if (at.x < 0 || at.y < 0) {
     RECT bounds;
     GetWindowRect(page, &bounds);
-    at = {bounds.left + (bounds.right - bounds.left) / 2, bounds.top + (bounds.bottom - bounds.top) / 4};
+    const Rect page_bounds = FromRECT(bounds);
+    at = {page_bounds.left + page_bounds.Width() / 2, page_bounds.top + page_bounds.Height() / 4};
   }
   TrackPopupMenu(menu.get(), TPM_RIGHTBUTTON, at.x, at.y, 0, page, nullptr);
+}
+
+void CloseMenuOf(HWND page) {
+  GUITHREADINFO state = {};
+  state.cbSize = sizeof state;
+  if (GetGUIThreadInfo(GetCurrentThreadId(), &state) && state.hwndMenuOwner == page) EndMenu();
 }
 
 void ApplyPresetOfCommand(IUnknown* object, int command_id) {

@@ -40,17 +40,17 @@ class AutomatedPageFor : public EffectPageFor<Control> {
   using EffectPageFor<Control>::EffectPageFor;
 
   // The click on the toggle. While bypass is automated it does nothing.
-  void ToggleBypass() {
-    if (kBypass.IsAutomated(this->control())) return;
-    const bool is_bypassed = kBypass.Get(this->control()) == 0;
-    this->control().SetBypass(is_bypassed);
+  void ToggleBypass(Control& control) {
+    if (kBypass.IsAutomated(control)) return;
+    const bool is_bypassed = kBypass.Get(control) == 0;
+    control.SetBypass(is_bypassed);
     ShowBypass(is_bypassed);
   }
   // For the page's timer.
-  void FollowBypass() {
+  void FollowBypass(Control& control) {
     const int id = this->description().bypass_id;
-    this->Send(IDC_LOGO_STRIP, kLogoEnableItem, id, !kBypass.IsAutomated(this->control()));
-    ShowBypass(kBypass.Get(this->control()) != 0);
+    this->Send(IDC_LOGO_STRIP, kLogoEnableItem, id, !kBypass.IsAutomated(control));
+    ShowBypass(kBypass.Get(control) != 0);
   }
 
  private:
