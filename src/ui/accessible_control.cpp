@@ -20,7 +20,7 @@ HRESULT GiveNothing(VARIANT* out) {
 
 IUnknown* AccessibleControl::FindInterface(REFIID iid) noexcept {
   IUnknown* const accessible = static_cast<IAccessible*>(this);
-  return directshow::FindIn(iid, {{IID_IAccessible, accessible}, {IID_IDispatch, accessible}});
+  return directshow::FindIn(iid, {{__uuidof(IAccessible), accessible}, {IID_IDispatch, accessible}});
 }
 
 HRESULT AccessibleControl::NoText(BSTR* text) {
@@ -47,7 +47,7 @@ HRESULT AccessibleControl::TextOf(const VARIANT& child, BSTR* text, Get get) con
     const std::wstring found = (parts_->*get)(part);
     if (found.empty()) return S_FALSE;
     *text = SysAllocStringLen(found.data(), static_cast<UINT>(found.size()));
-  } catch (const std::bad_alloc&) {
+  } catch (...) {  // out of memory
   }
   return *text ? S_OK : E_OUTOFMEMORY;
 }
@@ -163,22 +163,10 @@ STDMETHODIMP AccessibleControl::accDoDefaultAction(VARIANT child) {
     if (parts_->PartAction(part).empty()) return DISP_E_MEMBERNOTFOUND;
     const ControlWindow::Keep keep(*parts_);
     parts_->PressPart(part);
-  } catch (const std::bad_alloc&) {
+  } catch (...) {
     return E_OUTOFMEMORY;
   }
   return S_OK;
-}
-
-STDMETHODIMP AccessibleControl::put_accValue(VARIANT child, BSTR value) {
-  int part;
-  const HRESULT result = PartOf(child, &part);
-  if (FAILED(result)) return result;
-  try {
-    const ControlWindow::Keep keep(*parts_);
-    return parts_->SetPartValue(part, value ? value : L"") ? S_OK : DISP_E_MEMBERNOTFOUND;
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  }
 }
 
 }  // namespace tervan::ui

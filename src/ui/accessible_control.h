@@ -44,7 +44,7 @@ class AccessibleControl final : public directshow::Implements<directshow::ComObj
   STDMETHODIMP accHitTest(LONG left, LONG top, VARIANT* child) override;
   STDMETHODIMP accDoDefaultAction(VARIANT child) override;
   STDMETHODIMP put_accName(VARIANT, BSTR) override { return DISP_E_MEMBERNOTFOUND; }
-  STDMETHODIMP put_accValue(VARIANT child, BSTR value) override;
+  STDMETHODIMP put_accValue(VARIANT, BSTR) override { return DISP_E_MEMBERNOTFOUND; }
 
  protected:
   IUnknown* FindInterface(REFIID iid) noexcept override;

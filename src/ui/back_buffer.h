@@ -37,16 +37,13 @@ class BackBuffer {
 // WM_PAINT in one call: paints the whole client area through the buffer with paint(HDC, Canvas&, Rect client).
 template <class Paint>
 void PaintBuffered(HWND window, BackBuffer& buffer, Paint&& paint) {
-  PAINTSTRUCT painting;
-  const HDC screen = BeginPaint(window, &painting);
-  if (!screen) return;
+  const WindowPainting painting(window);
+  if (!painting.Get()) return;
   RECT client;
   GetClientRect(window, &client);
-  if (buffer.Prepare(screen, {client.right, client.bottom})) {
-    paint(buffer.dc(), buffer.canvas(), FromRECT(client));
-    buffer.Show(screen);
-  }
-  EndPaint(window, &painting);
+  if (!buffer.Prepare(painting.Get(), {client.right, client.bottom})) return;
+  paint(buffer.dc(), buffer.canvas(), FromRECT(client));
+  buffer.Show(painting.Get());
 }
 
 }  // namespace tervan::ui

@@ -55,7 +55,8 @@ Rect AccessibleParts::PartBounds(int /*part*/) const {
   return FromRECT(client);
 }
 
-ControlWindow::ControlWindow(HWND window) : AccessibleParts(window) {}
+ControlWindow::ControlWindow(HWND window, HWND creation_parent)
+    : AccessibleParts(window), creator_(creation_parent != GetParent(window) ? creation_parent : nullptr) {}
 ControlWindow::~ControlWindow() { Detach(); }
 
 void ControlWindow::Detach() noexcept {
@@ -64,12 +65,18 @@ void ControlWindow::Detach() noexcept {
   accessible_.Reset();
 }
 
+void ControlWindow::SendNotify(HWND target, UINT code, NMHDR& header) const {
+  if (!IsAlive()) return;
+  header = {.hwndFrom = window(), .idFrom = static_cast<UINT_PTR>(Id()), .code = code};
+  SendMessageW(target, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+}
+
 void ControlWindow::Announce(DWORD event, int part) const { NotifyWinEvent(event, window(), OBJID_CLIENT, part); }
 
 LRESULT ControlWindow::OnGetObject(WPARAM wparam, LPARAM lparam) {
   if (static_cast<DWORD>(lparam) != static_cast<DWORD>(OBJID_CLIENT)) return Default(WM_GETOBJECT, wparam, lparam);
   if (!accessible_) accessible_ = directshow::ComPtr<AccessibleControl>(new AccessibleControl(window(), *this));
-  return LresultFromObject(IID_IAccessible, wparam, static_cast<IAccessible*>(accessible_.Get()));
+  return LresultFromObject(__uuidof(IAccessible), wparam, static_cast<IAccessible*>(accessible_.Get()));
 }
 
 LRESULT ControlProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam,

@@ -27,8 +27,6 @@ class AccessibleParts {
   // What Press does, in a word; empty: nothing.
   virtual std::wstring PartAction(int /*part*/) const { return {}; }
   virtual void PressPart(int /*part*/) {}
-  // False: the value cannot be set so.
-  virtual bool SetPartValue(int /*part*/, const std::wstring& /*value*/) { return false; }
 
  protected:
   explicit AccessibleParts(HWND window) : window_(window) {}
@@ -67,15 +65,19 @@ class ControlWindow : public AccessibleParts {
   };
 
  protected:
-  explicit ControlWindow(HWND window);
+  // The creation parent, when it is not the parent, hears of what the user does.
+  explicit ControlWindow(HWND window, HWND creation_parent = nullptr);
 
   LRESULT Default(UINT message, WPARAM wparam, LPARAM lparam) const {
     return DefWindowProcW(window(), message, wparam, lparam);
   }
   HWND Parent() const { return GetParent(window()); }
+  HWND Listener() const { return creator_ ? creator_ : Parent(); }
   int Id() const { return GetDlgCtrlID(window()); }
   void Invalidate() const { InvalidateRect(window(), nullptr, FALSE); }
   void Redraw() const { RedrawWindow(window(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW); }
+  // WM_NOTIFY with the header of whatever goes with the code; nothing when the window is gone.
+  void SendNotify(HWND target, UINT code, NMHDR& header) const;
   // EVENT_OBJECT_...: tells screen readers that a part has changed.
   void Announce(DWORD event, int part = 0) const;
 
@@ -85,6 +87,7 @@ class ControlWindow : public AccessibleParts {
   LRESULT OnGetObject(WPARAM wparam, LPARAM lparam);
   void Detach() noexcept;
 
+  const HWND creator_;  // null when it is the parent
   directshow::ComPtr<AccessibleControl> accessible_;
   int kept_ = 0;
   bool is_alive_ = true;
@@ -97,10 +100,10 @@ LRESULT ControlProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
 
 struct ControlClass {
   const wchar_t* name;
-  UINT style;
-  int extra_bytes;        // pointer-sized; the first pointer is the framework's
-  const wchar_t* cursor;  // IDC_..., or null: the control sets it itself
-  int background;         // COLOR_...
+  UINT style = CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW;
+  int extra_bytes = sizeof(void*);    // the first pointer is the framework's
+  const wchar_t* cursor = IDC_ARROW;  // or null: the control sets it itself
+  int background;                     // COLOR_...
   WNDPROC procedure;
 };
 
@@ -119,6 +122,12 @@ LRESULT CALLBACK WindowProcOf(HWND window, UINT message, WPARAM wparam, LPARAM l
 
 // Who hears of what the user does: the window that asked for the control, when that is not its parent, else the parent.
 HWND NotifyTarget(HWND window, HWND creation_parent);
+
+// The address that a message carries, or null: so small a number is never the address of anything.
+template <class T>
+T* PointerIn(LPARAM lparam) {
+  return IS_INTRESOURCE(lparam) ? nullptr : reinterpret_cast<T*>(lparam);
+}
 
 // A label's text without its mnemonic mark and line breaks.
 std::wstring PlainLabel(const wchar_t* text);

@@ -62,4 +62,22 @@ inline RECT ToRECT(const Rect& r) { return {r.left, r.top, r.right, r.bottom}; }
 inline Colour FromCOLORREF(COLORREF c) { return {GetRValue(c), GetGValue(c), GetBValue(c)}; }
 inline COLORREF ToCOLORREF(Colour c) { return RGB(c.red, c.green, c.blue); }
 
+// The painting that WM_PAINT asks for, as long as this lives.
+class WindowPainting {
+ public:
+  explicit WindowPainting(HWND window) : window_(window), dc_(BeginPaint(window, &painting_)) {}
+  ~WindowPainting() {
+    if (dc_) EndPaint(window_, &painting_);
+  }
+  WindowPainting(const WindowPainting&) = delete;
+  WindowPainting& operator=(const WindowPainting&) = delete;
+  HDC Get() const { return dc_; }  // null: nothing to paint on
+  Rect Dirty() const { return FromRECT(painting_.rcPaint); }
+
+ private:
+  const HWND window_;
+  PAINTSTRUCT painting_ = {};
+  const HDC dc_;
+};
+
 }  // namespace tervan::ui

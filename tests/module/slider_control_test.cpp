@@ -259,7 +259,7 @@ TEST_F(SliderTest, FiveHundredAtOnceKeepApart) {
   for (int i = 0; i < 500; ++i) EXPECT_EQ(SendMessageW(sliders[i], kGet, 0, 0), i % 100);
 }
 
-TEST_F(SliderTest, ScreenReadersReadAndSetIt) {
+TEST_F(SliderTest, ScreenReadersReadIt) {
   Make(kTrackbar);
   ComPtr<IAccessible> accessible;
   ASSERT_EQ(
@@ -274,20 +274,10 @@ TEST_F(SliderTest, ScreenReadersReadAndSetIt) {
     SysFreeString(text);
     return copy;
   };
-  const auto put = [&](const wchar_t* text) {
-    const BSTR string = SysAllocString(text);
-    const HRESULT result = accessible->put_accValue(self, string);
-    SysFreeString(string);
-    return result;
-  };
   EXPECT_EQ(value(), L"50");
-  EXPECT_EQ(put(L"-40 dB"), DISP_E_MEMBERNOTFOUND);
-  EXPECT_EQ(put(L"70"), S_OK);
-  EXPECT_EQ(heard, "H4=70 H8 ");
   SetWindowTextW(slider, L"70 %");
   EXPECT_EQ(value(), L"70 %");
-  on_hearing = [this](const std::string&) { DestroyWindow(slider); };
-  EXPECT_EQ(put(L"60"), S_OK) << "a slider that goes while it is set";
+  DestroyWindow(slider);
   BSTR text = nullptr;
   EXPECT_EQ(accessible->get_accValue(self, &text), CO_E_OBJNOTCONNECTED);
 }

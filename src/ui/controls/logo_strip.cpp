@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "resources/ids.h"
+#include "ui/code_page.h"
 #include "ui/controls/logo_messages.h"
 #include "ui/shared_information.h"
 #include "ui/ui_library.h"
@@ -24,19 +25,13 @@ constexpr PictureNumbers kPicturesOfLocale[] = {{IDB_LOGO, IDB_LOGO_BACKGROUND},
                                                 {IDB_ALTERNATE_LOGO, IDB_ALTERNATE_LOGO_BACKGROUND}};
 PictureNumbers chosen_pictures{};
 
-std::wstring FromNarrow(const char* text) {
-  const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-  std::wstring wide(std::max(length, 1), L'\0');
-  MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
-  wide.pop_back();
-  return wide;
-}
-
 }  // namespace
 
-const ControlClass kLogoClass{kLogoClassName, CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW,
-                              sizeof(void*),  IDC_ARROW,
-                              COLOR_WINDOW,   WindowProcOf<LogoStrip>};
+const ControlClass kLogoClass = {
+    .name = kLogoClassName,
+    .background = COLOR_WINDOW,
+    .procedure = WindowProcOf<LogoStrip>,
+};
 
 void ChooseLogoPictures() {
   const DWORD locale = SharedLocale();
@@ -52,12 +47,14 @@ LRESULT LogoStrip::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
   const int id = static_cast<int>(wparam);
   switch (message) {
     case kLogoRemoveItems: RemoveItems(); return 0;
-    case kLogoAddText: return AddText(LOWORD(wparam), reinterpret_cast<const char*>(lparam), HIWORD(wparam) != 0);
+    case kLogoAddText: return AddText(LOWORD(wparam), PointerIn<const char>(lparam), HIWORD(wparam) != 0);
     case kLogoSetMode: return mode_ = static_cast<DWORD>(wparam);
     case kLogoAddButton: return AddButton(id, lparam != 0);
     case kLogoSetImages:
     case kLogoSetHotImages:
-    case kLogoSetDisabledImages: SetImages(message - kLogoSetImages, reinterpret_cast<HIMAGELIST>(wparam)); return 0;
+    case kLogoSetDisabledImages:
+      SetImages(message - kLogoSetImages, PointerIn<_IMAGELIST>(static_cast<LPARAM>(wparam)));
+      return 0;
     case kLogoSetState: return SetOn(items_.FindButton(id), lparam != 0);
     case kLogoEnableItem: return SetEnabled(items_.Find(id), lparam != 0);
 
@@ -98,8 +95,8 @@ void LogoStrip::RemoveItems() {
 }
 
 LRESULT LogoStrip::AddText(int id, const char* text, bool redraw) {
-  if (IS_INTRESOURCE(text)) return 0;  // a number, or null
-  items_.AddText(id, FromNarrow(text));
+  if (!text) return 0;
+  items_.AddText(id, FromSystemCodePage(text));
   ItemsChanged();
   if (redraw) UpdateWindow(window());
   return 1;
@@ -114,8 +111,8 @@ LRESULT LogoStrip::AddButton(int id, bool is_on) {
 void LogoStrip::SetImages(int which, HIMAGELIST list) {
   int width;
   int height;
-  // The common controls answer FALSE for what is no image list; below 64 KiB there is nothing that they could look at.
-  const bool is_list = !IS_INTRESOURCE(list) && ImageList_GetIconSize(list, &width, &height);
+  // The common controls answer FALSE for what is no image list.
+  const bool is_list = list && ImageList_GetIconSize(list, &width, &height);
   if (is_list) ImageList_SetBkColor(list, kLogoBackground);
   images_[which] = is_list ? list : nullptr;
   LayOut();

@@ -1,12 +1,9 @@
 #include "ui/controls/slider_control.h"
 
-#include <windowsx.h>
-
 #include <commctrl.h>
 #include <oleacc.h>
 
 #include <algorithm>
-#include <cwchar>
 #include <utility>
 
 #include "ui/controls/slider_painter.h"
@@ -24,33 +21,23 @@ class Fader final : public SliderControl {
   Fader(HWND window, const CREATESTRUCTW& creation) : SliderControl(window, creation, SliderKind::kFader) {}
 };
 
-constexpr UINT kClassStyle = CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW;
-
-Point PointOf(LPARAM lparam) { return {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)}; }
-
 }  // namespace
 
 const ControlClass kTrackbarClass = {
     .name = kTrackbarClassName,
-    .style = kClassStyle,
-    .extra_bytes = sizeof(void*),
-    .cursor = IDC_ARROW,
     .background = COLOR_BTNFACE,
     .procedure = WindowProcOf<Trackbar>,
 };
 
 const ControlClass kFaderClass = {
     .name = kFaderClassName,
-    .style = kClassStyle,
-    .extra_bytes = sizeof(void*),
     .cursor = nullptr,
     .background = COLOR_BTNFACE,
     .procedure = WindowProcOf<Fader>,
 };
 
 SliderControl::SliderControl(HWND window, const CREATESTRUCTW& creation, SliderKind kind)
-    : ControlWindow(window),
-      creator_(creation.hwndParent != GetParent(window) ? creation.hwndParent : nullptr),
+    : ControlWindow(window, creation.hwndParent),
       style_(static_cast<DWORD>(creation.style)),
       user_data_(reinterpret_cast<LPARAM>(creation.lpCreateParams)),
       dpi_(ScreenDpi()),
@@ -171,7 +158,7 @@ LRESULT SliderControl::OnFocusLost() {
   Invalidate();
   gestures_.ReleaseKey();
   NMHDR header = {};
-  if (!IsFader()) SendNotify(static_cast<UINT>(NM_KILLFOCUS), header);
+  if (!IsFader()) SendNotify(Listener(), static_cast<UINT>(NM_KILLFOCUS), header);
   return 0;
 }
 
@@ -186,7 +173,7 @@ LRESULT SliderControl::OnKeyDown(WPARAM wparam, LPARAM lparam) {
   if (use == KeyUse::kTaken) return 0;
   if (use == KeyUse::kUnknown && !IsFader()) {
     KeyNotification notification = {.header = {}, .virtual_key = wparam, .key_data = lparam};
-    SendNotify(kNotifyKey, notification.header);
+    SendNotify(Listener(), kNotifyKey, notification.header);
   }
   return Default(WM_KEYDOWN, wparam, lparam);
 }
@@ -196,15 +183,15 @@ LRESULT SliderControl::OnButton(UINT message, LPARAM lparam) {
   SetFocus(window());
   if (!IsAlive() || !IsWindowEnabled(window())) return 0;
   if (message == WM_LBUTTONDBLCLK) {
-    gestures_.DoubleClick(PointOf(lparam));
+    gestures_.DoubleClick(PointFrom(lparam));
   } else {
-    gestures_.Press(PointOf(lparam));
+    gestures_.Press(PointFrom(lparam));
   }
   return 0;
 }
 
 LRESULT SliderControl::OnMouseMove(WPARAM wparam, LPARAM lparam) {
-  const Point cursor = PointOf(lparam);
+  const Point cursor = PointFrom(lparam);
   gestures_.Move(cursor, (wparam & (MK_CONTROL | MK_RBUTTON)) != 0);
   return IsAlive() ? SetHotThumb(slider_.ThumbUnder(cursor)) : 0;
 }
@@ -246,14 +233,6 @@ LONG SliderControl::PartRole(int /*part*/) const { return ROLE_SYSTEM_SLIDER; }
 std::wstring SliderControl::PartValue(int /*part*/) const {
   std::wstring text = WindowText(window());
   return text.empty() ? std::to_wstring(slider_.positions[0]) : text;
-}
-
-bool SliderControl::SetPartValue(int /*part*/, const std::wstring& value) {
-  wchar_t* end = nullptr;
-  const long position = std::wcstol(value.c_str(), &end, 10);
-  if (value.empty() || *end != L'\0' || !IsWindowEnabled(window())) return false;
-  gestures_.JumpTo(position);
-  return true;
 }
 
 }  // namespace tervan::ui

@@ -23,7 +23,6 @@ class SliderControl : public ControlWindow, private SliderSink {
 
   LONG PartRole(int part) const override;
   std::wstring PartValue(int part) const override;
-  bool SetPartValue(int part, const std::wstring& value) override;
 
  private:
   static constexpr UINT_PTR kRepeatTimer = 42;
@@ -68,13 +67,9 @@ class SliderControl : public ControlWindow, private SliderSink {
   void ApplyStyle();
   void LayOut();
   void PlaceCaret() const;
-  HWND Listener() const { return creator_ ? creator_ : Parent(); }
   void AnnounceMoves();
   void SendCommand(WORD code) const;
-  // The header of whatever goes with the code.
-  void SendNotify(UINT code, NMHDR& header) const;
 
-  const HWND creator_;  // hears of everything when it is not the parent; null when it is
   DWORD style_;
   LPARAM user_data_;
   std::optional<Colour> background_;  // none: that of buttons

@@ -6,12 +6,6 @@
 namespace tervan::ui {
 namespace {
 
-// So small a number is never the address of anything.
-template <class T>
-T* PointerIn(LPARAM lparam) {
-  return IS_INTRESOURCE(lparam) ? nullptr : reinterpret_cast<T*>(lparam);
-}
-
 int IntIn(LPARAM lparam) { return static_cast<int>(lparam); }
 bool BitIn(LPARAM lparam) { return (lparam & 1) != 0; }
 

@@ -10,12 +10,6 @@ constexpr UINT kRepeatInterval_ms = 250;
 
 }  // namespace
 
-void SliderControl::SendNotify(UINT code, NMHDR& header) const {
-  if (!IsAlive()) return;
-  header = {.hwndFrom = window(), .idFrom = static_cast<UINT_PTR>(Id()), .code = code};
-  SendMessageW(Listener(), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
-}
-
 void SliderControl::SendCommand(WORD code) const {
   if (!IsAlive()) return;
   SendMessageW(Listener(), WM_COMMAND, MAKEWPARAM(Id(), code), reinterpret_cast<LPARAM>(window()));
@@ -30,7 +24,7 @@ void SliderControl::Tell(ScrollCode code) {
                                        .thumb_count = slider_.thumb_count,
                                        .scroll_code = static_cast<INT32>(code),
                                        .positions = positions.data()};
-    return SendNotify(kNotifyThumbs, notification.header);
+    return SendNotify(Listener(), kNotifyThumbs, notification.header);
   }
   const bool has_position = code == ScrollCode::kThumbPosition || code == ScrollCode::kThumbTrack;
   SendMessageW(Listener(), slider_.layout.is_vertical ? WM_VSCROLL : WM_HSCROLL,

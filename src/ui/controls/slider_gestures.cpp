@@ -218,10 +218,4 @@ void SliderGestures::Wheel(int delta, bool by_lines) {
   sink_.Tell(ScrollCode::kEnd);
 }
 
-void SliderGestures::JumpTo(int position) {
-  Interrupt();
-  SetPicked(state_.scale.Clamped(position));
-  sink_.Tell(ScrollCode::kEnd);
-}
-
 }  // namespace tervan::ui

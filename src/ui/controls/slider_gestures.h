@@ -48,8 +48,6 @@ class SliderGestures {
   // The focus goes while a key is held.
   void ReleaseKey();
   void Wheel(int delta, bool by_lines);
-  // All at once, as if a digit key were pressed and released.
-  void JumpTo(int position);
 
   bool IsPressed() const { return part_ != Part::kNone; }
   // The thumb that is dragged, or -1.

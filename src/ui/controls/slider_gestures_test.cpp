@@ -104,7 +104,6 @@ TEST(SliderGestures, MouseTellsInOrderAndLetsGo) {
                 " 9 cursor53 5=52 cursor51 5=50 4=50 8"},  // (3 + 1) / 2, then from 53 (-4 - 1) / 2
            Case{"wheel", [](FakeWindow& w) { w.gestures.Wheel(2 * 120 + 119, false); }, " 9 3 3 8"},
            Case{"wheel with Ctrl", [](FakeWindow& w) { w.gestures.Wheel(-120, true); }, " 9 0 8"},
-           Case{"set by a screen reader", [](FakeWindow& w) { w.gestures.JumpTo(300); }, " 4=100 8"},
        }) {
     FakeWindow window;
     act(window);

@@ -33,9 +33,12 @@ void Fade(Canvas& canvas, Rect area, Colour page) {
 
 }  // namespace
 
-const ControlClass kStaticClass{kStaticClassName,  CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW,
-                                2 * sizeof(void*), IDC_ARROW,
-                                COLOR_BTNFACE,     WindowProcOf<StaticControl>};
+const ControlClass kStaticClass = {
+    .name = kStaticClassName,
+    .extra_bytes = 2 * sizeof(void*),
+    .background = COLOR_BTNFACE,
+    .procedure = WindowProcOf<StaticControl>,
+};
 
 StaticControl::StaticControl(HWND window, const CREATESTRUCTW&) : ControlWindow(window) { LoadNamedPicture(); }
 
@@ -116,8 +119,8 @@ void StaticControl::OnRelease(Point point) {
 
 void StaticControl::PressPart(int /*part*/) {
   if (!Has(kStaticLink) || !IsWindowEnabled(window())) return;
-  NMHDR header = {window(), static_cast<UINT_PTR>(Id()), kNotifyLink};
-  SendMessageW(Parent(), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+  NMHDR header = {};
+  SendNotify(Parent(), kNotifyLink, header);
 }
 
 void StaticControl::Repaint() const {
