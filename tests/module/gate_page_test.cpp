@@ -129,7 +129,7 @@ TEST_F(GatePageTest, TypedTimesCountWhenTheFocusLeaves) {
   } rows[] = {
       {kAttack, L"77", 77, L"77"},
       {kAttack, L"6000", 500, L"500"},
-      {kAttack, L"1,000", 0, L"0"},
+      {kAttack, L"1,000", 1, L"1"},
       {kAttack, L"-5", 0, L"0"},
       {kAttack, L"five", 0, L"0"},
       {kAttack, L"", 0, L"0"},
