@@ -127,7 +127,9 @@ INT_PTR EffectPage::OnReceiveMessage(HWND dialog, UINT message, WPARAM wparam, L
       if (HasControl()) OnTimer();
       return TRUE;
     case WM_CONTEXTMENU:
+      is_menu_open_ = true;
       ShowPageMenu(dialog, object_, PointFrom(lparam));
+      is_menu_open_ = false;
       SetWindowLongPtrW(dialog, DWLP_MSGRESULT, 0);
       return TRUE;  // else the frame would be asked for a menu of its own
     case WM_HELP: return OnContextHelp(*reinterpret_cast<const HELPINFO*>(lparam)), TRUE;
@@ -155,7 +157,7 @@ void EffectPage::LeaveControls() {
 
 void EffectPage::Destroyed() {
   LeaveControls();
-  CloseMenuOf(Dialog());
+  if (is_menu_open_) EndMenu();  // nobody is left to take the choice
   about_box_.Close();
   CloseHelpPopup(help_popup_);
   if (HasControl()) SetNotifyWindow(Dialog(), 0);

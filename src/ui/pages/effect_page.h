@@ -111,6 +111,7 @@ class EffectPage : public directshow::PropertyPage {
   HelpFiles help_files_;
   HWND help_popup_ = nullptr;  // the last one, be it still there or not
   AboutBox about_box_;
+  bool is_menu_open_ = false;
   std::array<ImageList, 3> bypass_images_;
 };
 

@@ -66,12 +66,6 @@ void ShowPageMenu(HWND page, IUnknown* object, Point at) {
   TrackPopupMenu(menu.get(), TPM_RIGHTBUTTON, at.x, at.y, 0, page, nullptr);
 }
 
-void CloseMenuOf(HWND page) {
-  GUITHREADINFO state = {};
-  state.cbSize = sizeof state;
-  if (GetGUIThreadInfo(GetCurrentThreadId(), &state) && state.hwndMenuOwner == page) EndMenu();
-}
-
 void ApplyPresetOfCommand(IUnknown* object, int command_id) {
   if (const ComPtr<IPluginPresets> presets = directshow::Query<IPluginPresets>(object)) {
     presets->ApplyPreset(command_id - ID_PRESET_FIRST + 1);

@@ -13,9 +13,6 @@ namespace tervan::ui {
 // page. The choice arrives at the page as WM_COMMAND. The page may be gone when this returns.
 void ShowPageMenu(HWND page, IUnknown* object, Point at);
 
-// For the end of the page: nobody is left to take the choice.
-void CloseMenuOf(HWND page);
-
 // The command of a preset in the menu; an object without presets ignores it.
 void ApplyPresetOfCommand(IUnknown* object, int command_id);
 
