@@ -93,7 +93,9 @@ std::u16string Digits(const NumberSpec& spec, double magnitude, std::u16string_v
 std::u16string NumberText(const NumberSpec& spec, double value, std::u16string_view decimal_sign) {
   const double magnitude = std::min(std::fabs(value), kMaxValue);
   const std::u16string digits = Digits(spec, magnitude, decimal_sign);
-  const std::u16string sign = value < 0.0 ? u"-" : spec.plus ? u"+" : spec.blank ? u" " : u"";
+  // What is printed as zero has no minus sign.
+  const bool is_negative = value < 0.0 && digits.find_first_of(u"123456789") != std::u16string::npos;
+  const std::u16string sign = is_negative ? u"-" : spec.plus ? u"+" : spec.blank ? u" " : u"";
   const std::size_t length = sign.size() + digits.size();
   const auto width = static_cast<std::size_t>(spec.width);
   const std::u16string padding(width > length ? width - length : 0, spec.zeros && !spec.left ? u'0' : u' ');

@@ -73,18 +73,16 @@ TEST(MeterScale, StaysWithinTheBarWhateverItIsGiven) {
 }
 
 TEST(MeterScale, LabelsNeverOverlapOrLeaveTheirRoom) {
-  for (const MeterRange& range : kMeterRanges) {
-    const MeterScale scale(1 << 24, true, static_cast<std::uint32_t>(range.ratio));
-    for (int length = 10; length < 700; length += 7) {
-      const LabelRoom room{-1, length + 9, 4};
-      const auto labels = ChooseLabels(scale, length, room, [](int db_below) { return db_below < 10 ? 20 : 27; });
-      int louder_start = room.end_px + room.gap_px;
-      for (const ScaleLabel& label : labels) {
-        ASSERT_LE(label.end_px + room.gap_px, louder_start) << length << ", " << range.ratio;
-        ASSERT_GE(label.start_px, room.start_px);
-        EXPECT_EQ(label.db_below % kMeterTickDb, 0);
-        louder_start = label.start_px;
-      }
+  for (int i = 0; i < 800; ++i) {
+    const MeterScale scale(1 << 24, true, static_cast<std::uint32_t>(kMeterRanges[i % kMeterRanges.size()].ratio));
+    const int length = 10 + i;
+    const LabelRoom room{-1, length + 9, 4};
+    int louder_start = room.end_px + room.gap_px;
+    for (const ScaleLabel& label : ChooseLabels(scale, length, room, [](int db) { return db < 10 ? 20 : 27; })) {
+      ASSERT_LE(label.end_px + room.gap_px, louder_start) << i;
+      ASSERT_GE(label.start_px, room.start_px) << i;
+      EXPECT_EQ(label.db_below % kMeterTickDb, 0);
+      louder_start = label.start_px;
     }
   }
   // 6 dB are 43 pixels: enough for 36 and a gap of 6, but the label at the end would have to move into its neighbour.
@@ -101,16 +99,8 @@ TEST(MeterRanges, OffersWhatTheMeterCanShowAndMarksWhatItShows) {
     std::int32_t offered;  // ratio of the last one
     std::int32_t marked;   // 0: none
   } rows[] = {
-      {32767, 128, 8192, 128},
-      {32767, 0, 8192, 0},
-      {32768, 0, 32768, 32768},
-      {32768, 32768, 32768, 32768},
-      {32768, 77, 32768, 0},
-      {400, 16, 128, 16},
-      {200, 0, 128, 128},
-      {200, 200, 128, 128},
-      {kMax, 1 << 23, 1 << 23, 1 << 23},
-      {1, 0, 0, 0},
+      {32767, 128, 8192, 128}, {32768, 32768, 32768, 32768}, {32768, 77, 32768, 0}, {kMax, 1 << 23, 1 << 23, 1 << 23},
+      {32767, 0, 8192, 0},     {32768, 0, 32768, 32768},     {200, 0, 128, 128},    {1, 0, 0, 0},
   };
   for (const auto& row : rows) {
     std::int32_t offered = 0;
@@ -129,23 +119,15 @@ TEST(MeterRanges, OffersWhatTheMeterCanShowAndMarksWhatItShows) {
 
 TEST(MeterLabelFormat, FormatsOneNumberAndNothingElse) {
   const std::u16string_view rows[][2] = {
-      {u"$.1f", u"-12,0"},
-      {u"$+.0f dB", u"-12 dB"},
-      {u"[$7.1f]", u"[  -12,0]"},
-      {u"[$-7.1f]", u"[-12,0  ]"},
-      {u"$07.1f", u"-0012,0"},
-      {u"$ d", u"-12"},
-      {u"$g", u"-12"},
-      {u"$.2e", u"-1,20e+01"},
-      {u"$i$$", u"-12$"},
-      {u"$d$d", u"-12$d"},
-      {u"$s$n$*f", u"$s$n$*f"},
-      {u"%s$", u"%s$"},
-      {u"$999999999d", u"             -12"},
-      {u"$.99999999f", u"-12,000000000"},
+      {u"$g", u"-12"},        {u"$07.1f", u"-0012,0"},    {u"[$-7.1f]", u"[-12,0  ]"},
+      {u"$ d", u"-12"},       {u"$.2e", u"-1,20e+01"},    {u"$s$n$*f%s$", u"$s$n$*f%s$"},
+      {u"$.1f", u"-12,0"},    {u"$i$$ $d", u"-12$ $d"},   {u"$999999999d", u"             -12"},
+      {u"$+.0fdB", u"-12dB"}, {u"[$7.1f]", u"[  -12,0]"}, {u"$.99999999f", u"-12,000000000"},
   };
   for (const auto& [format, text] : rows) EXPECT_EQ(FormatLabel(format, -12.0, u","), text);
   EXPECT_EQ(FormatLabel(u"$+.9f", 1e300, u"."), u"+1000000000.000000000");
+  EXPECT_EQ(FormatLabel(u"$.1f", -0.04, u"."), u"0.0") << "nothing is minus zero";
+  EXPECT_EQ(FormatLabel(u"$.1f", -0.06, u"."), u"-0.1");
 }
 
 }  // namespace
