@@ -6,6 +6,13 @@ namespace tervan::ui {
 
 MeterLevels::MeterLevels(bool is_inverted) : is_inverted_(is_inverted) { SetRange(steps_, is_float_); }
 
+void MeterLevels::SetInverted(bool is_inverted) {
+  if (is_inverted == is_inverted_) return;
+  is_inverted_ = is_inverted;
+  const std::int32_t maximum = MaximumLevel();
+  for (MeterChannel& c : channels_) c.extreme = is_inverted && c.level == 0 ? maximum : std::min(c.level, maximum);
+}
+
 void MeterLevels::SetRange(std::int32_t steps, bool is_float) {
   steps_ = std::max(steps, 1);
   is_float_ = is_float;

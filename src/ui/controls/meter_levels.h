@@ -33,7 +33,8 @@ class MeterLevels {
   // An inverted meter shows a gain reduction: its extreme is the smallest level, and starts at the maximum.
   explicit MeterLevels(bool is_inverted);
 
-  void SetInverted(bool is_inverted) { is_inverted_ = is_inverted; }
+  // With a change each extreme starts anew, as if the meter had just been made and told its level.
+  void SetInverted(bool is_inverted);
   bool IsInverted() const { return is_inverted_; }
 
   // Fewer than two steps are one: in integer mode its only level is 0. Forgets extremes and holds, keeps levels.

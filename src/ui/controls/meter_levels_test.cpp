@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <limits>
+#include <cmath>
 
 namespace tervan::ui {
 namespace {
@@ -14,8 +14,8 @@ constexpr std::int32_t kHalf = Bits(0.5F);
 constexpr std::int32_t kFull = Bits(1.0F);
 constexpr std::int32_t kLoud = Bits(1.5F);
 constexpr std::int32_t kSoft = Bits(0.25F);
-constexpr std::int32_t kNan = Bits(std::numeric_limits<float>::quiet_NaN());
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kNan = Bits(NAN);
+constexpr std::int32_t kMinusZero = Bits(-0.0F);
 
 TEST(MeterLevels, EachLevelGoesWhereItBelongs) {
   constexpr std::int32_t kFloat = 0;  // in place of a number of steps
@@ -23,22 +23,13 @@ TEST(MeterLevels, EachLevelGoesWhereItBelongs) {
     bool is_inverted;
     std::int32_t steps, first, then, level, extreme;
   } rows[] = {
-      {false, kFloat, 0, kFull, kFull, kFull},
-      {false, kFloat, kHalf, kSoft, kSoft, kHalf},
-      {false, kFloat, kLoud, kHalf, kHalf, kLoud},
-      {false, kFloat, kLoud, 0, 0, kLoud},
-      {false, kFloat, kLoud, -1, 0, 0},
-      {false, kFloat, kLoud, Bits(-0.0F), 0, 0},
-      {false, kFloat, 0, kNan, kFull, kNan},
-      {false, kFloat, kLoud, kLowest, 0, 0},
-      {true, kFloat, kHalf, kFull, kFull, kHalf},
-      {true, kFloat, kHalf, 0, 0, kHalf},
-      {true, kFloat, kHalf, kLoud, kFull, kLoud},
-      {true, kFloat, kHalf, -1, 0, kFull},
-      {false, 400, 0, 399, 399, 399},
-      {false, 400, 0, 400, 399, 400},
-      {true, 400, 7, 9, 9, 7},
-      {false, -5, 0, 1, 0, 1},
+      {false, kFloat, 0, kFull, kFull, kFull},     {false, kFloat, kLoud, -1, 0, 0},
+      {false, kFloat, kHalf, kSoft, kSoft, kHalf}, {true, kFloat, kHalf, 0, 0, kHalf},
+      {false, kFloat, kLoud, kHalf, kHalf, kLoud}, {true, kFloat, kHalf, -1, 0, kFull},
+      {false, kFloat, kLoud, 0, 0, kLoud},         {false, 400, 0, 400, 399, 400},
+      {false, kFloat, 0, kNan, kFull, kNan},       {true, 400, 97, 99, 99, 97},
+      {true, kFloat, kHalf, kFull, kFull, kHalf},  {false, kFloat, kLoud, kMinusZero, 0, 0},
+      {true, kFloat, kHalf, kLoud, kFull, kLoud},  {false, -500, 0, 1, 0, 1},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << row.first << ", " << row.then << " of " << row.steps);
@@ -94,6 +85,11 @@ TEST(MeterLevels, ResetsTouchWhatTheyNameAndNothingElse) {
     levels.SetRange(50, false);
     EXPECT_EQ(levels.Channel(5).extreme, is_inverted ? 49 : 0);
     EXPECT_EQ(levels.Channel(5).level, kFull);
+    levels.SetLevel(1, 30);
+    levels.SetLevel(1, 20);
+    levels.SetInverted(!is_inverted);
+    EXPECT_EQ(levels.Channel(1).extreme, 20);
+    EXPECT_EQ(levels.Channel(2).extreme, is_inverted ? 0 : 49) << "was never told a level";
   }
 }
 
