@@ -56,6 +56,10 @@
 #define ID_METER_HOLD_PEAKS 40012
 #define ID_METER_HOLD_VALLEYS 40013
 
+// Texts of the level meter for screen readers
+#define IDS_METER_RESET_CLIP 520
+#define IDS_METER_CLIPPED 521
+
 // Page titles
 #define IDS_COMPRESSOR_TITLE 1000
 #define IDS_EQ_TITLE 3000

@@ -1,37 +1,35 @@
 #include "ui/controls/meter_control.h"
 
 #include <oleacc.h>
-#include <windowsx.h>
 
 #include <algorithm>
 #include <cmath>
 
+#include "ui/code_page.h"
 #include "ui/controls/meter_menu.h"
 #include "ui/controls/meter_ranges.h"
+#include "ui/number_labels.h"
+#include "ui/ui_library.h"
 
 namespace tervan::ui {
 namespace {
 
 constexpr std::size_t kMaxLabelFormat = 15;
-constexpr char kFirstLabelFormat[] = "$.1f";
-constexpr wchar_t kValueFormat[] = L"$.1f";
-constexpr wchar_t kSilence[] = L"-Inf.";
+constexpr std::string_view kOneDecimal = "$.1f";
 constexpr int kKeyboardMenuOffsetPx = 16;
 
 }  // namespace
 
-const ControlClass kMeterClass{.name = kMeterClassName,
-                               .style = CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW | CS_GLOBALCLASS,
-                               .extra_bytes = sizeof(void*),
-                               .cursor = IDC_ARROW,
-                               .background = COLOR_BTNFACE,
-                               .procedure = WindowProcOf<MeterControl>};
+const ControlClass kMeterClass = {
+    .name = kMeterClassName,
+    .background = COLOR_BTNFACE,
+    .procedure = WindowProcOf<MeterControl>,
+};
 
 MeterControl::MeterControl(HWND window, const CREATESTRUCTW& creation)
-    : ControlWindow(window),
-      creation_parent_(creation.hwndParent),
+    : ControlWindow(window, creation.hwndParent),
       levels_((static_cast<DWORD>(creation.style) & kMeterInverted) != 0),
-      label_format_(kFirstLabelFormat) {}
+      label_format_(kOneDecimal) {}
 
 LRESULT MeterControl::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
   if (message >= kMeterGetLevels && message <= kMeterChangeOptions) return OnMeterMessage(message, wparam, lparam);
@@ -55,9 +53,9 @@ LRESULT MeterControl::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
       return 0;
     case WM_GETFONT: return reinterpret_cast<LRESULT>(font_);
     case WM_GETDLGCODE: return DLGC_STATIC;
-    case WM_NCHITTEST: return OnHitTest({GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)});
+    case WM_NCHITTEST: return OnHitTest(PointFrom(lparam));
     case WM_LBUTTONDOWN:
-    case WM_LBUTTONDBLCLK: OnPress({GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)}); break;
+    case WM_LBUTTONDBLCLK: OnPress(PointFrom(lparam)); break;
     case WM_KEYDOWN: return OnKey(wparam, lparam);
     case WM_CONTEXTMENU: return OnContextMenu(wparam, lparam);
     case WM_MENUSELECT: return OnMenuSelect(wparam, lparam);
@@ -78,7 +76,7 @@ LRESULT MeterControl::OnMeterMessage(UINT message, WPARAM wparam, LPARAM lparam)
     case kMeterGetExtremes:
       return GetValues(wparam, lparam, [](const MeterChannel& channel) { return channel.extreme; });
     case kMeterSetExtremes: return SetValues(wparam, lparam, false, &MeterLevels::SetExtreme);
-    case kMeterGetRange: return GetRange(reinterpret_cast<INT32*>(wparam), reinterpret_cast<void*>(lparam));
+    case kMeterGetRange: return GetRange(PointerIn<INT32>(static_cast<LPARAM>(wparam)), PointerIn<void>(lparam));
     case kMeterSetRange: return SetRange(static_cast<INT32>(lparam), high != 0);
     case kMeterGetDisplayRange: return display_range_;
     case kMeterSetDisplayRange: return SetDisplayRange(number, at_once);
@@ -86,12 +84,12 @@ LRESULT MeterControl::OnMeterMessage(UINT message, WPARAM wparam, LPARAM lparam)
     case kMeterChangeStyle: return ChangeStyle(LOWORD(wparam), is_on);
     case kMeterGetChannelCount: return levels_.ChannelCount();
     case kMeterSetChannelCount: return SetChannelCount(number, at_once);
-    case kMeterGetLabelFormat: return GetLabelFormat(wparam, reinterpret_cast<char*>(lparam));
-    case kMeterSetLabelFormat: return SetLabelFormat(reinterpret_cast<const char*>(lparam), (high & 1) != 0);
+    case kMeterGetLabelFormat: return GetLabelFormat(wparam, PointerIn<char>(lparam));
+    case kMeterSetLabelFormat: return SetLabelFormat(PointerIn<const char>(lparam), (high & 1) != 0);
     case kMeterResetClip: return ResetClip(at_once);
     case kMeterResetHolds: return ResetHolds(at_once);
     case kMeterGetPreferredSize: return PreferredThickness();
-    case kMeterGetBarBounds: return GetBarBounds(LOWORD(wparam), high, reinterpret_cast<RECT*>(lparam));
+    case kMeterGetBarBounds: return GetBarBounds(LOWORD(wparam), high, PointerIn<RECT>(lparam));
     case kMeterSwitchPlainBars: return Switch(has_plain_bars_, is_on, at_once);
     case kMeterSwitchNoTicks: return Switch(has_no_ticks_, is_on, at_once);
     case kMeterGetOptions: return options_ & static_cast<DWORD>(wparam);
@@ -103,7 +101,7 @@ LRESULT MeterControl::OnMeterMessage(UINT message, WPARAM wparam, LPARAM lparam)
 // Without a count the first channel's value is the answer.
 LRESULT MeterControl::GetValues(WPARAM wparam, LPARAM lparam, LevelOf value) const {
   if (HIWORD(wparam) == 0) return value(levels_.Channel(0));
-  auto* const values = reinterpret_cast<INT32*>(lparam);
+  auto* const values = PointerIn<INT32>(lparam);
   if (!values) return 0;
   const int count = std::min<int>(HIWORD(wparam), levels_.ChannelCount());
   for (int channel = 0; channel < count; ++channel) values[channel] = value(levels_.Channel(channel));
@@ -111,7 +109,7 @@ LRESULT MeterControl::GetValues(WPARAM wparam, LPARAM lparam, LevelOf value) con
 }
 
 LRESULT MeterControl::SetValues(WPARAM wparam, LPARAM lparam, bool at_once, SetLevelOf set) {
-  const auto* const values = reinterpret_cast<const INT32*>(lparam);
+  const auto* const values = PointerIn<const INT32>(lparam);
   if (HIWORD(wparam) == 0) {
     (levels_.*set)(0, static_cast<INT32>(lparam));
   } else if (values) {
@@ -135,7 +133,6 @@ LRESULT MeterControl::GetRange(INT32* is_float, void* range) const {
 LRESULT MeterControl::SetRange(INT32 steps, bool is_float) {
   levels_.SetRange(steps, is_float);
   LookChanged(false);
-  LevelsChanged(false);
   return levels_.Steps();
 }
 
@@ -216,15 +213,8 @@ std::uint32_t MeterControl::ShownRatio() const {
   return display_range_ > 0 ? display_range_ : static_cast<std::uint32_t>(levels_.Steps());
 }
 
-std::wstring MeterControl::WideLabelFormat() const {
-  wchar_t wide[kMaxLabelFormat];
-  const int length = MultiByteToWideChar(CP_ACP, 0, label_format_.data(), static_cast<int>(label_format_.size()), wide,
-                                         static_cast<int>(kMaxLabelFormat));
-  return {wide, static_cast<std::size_t>(std::max(length, 0))};
-}
-
 int MeterControl::LabelStrip(bool is_vertical) const {
-  return LabelStripThickness(window(), is_vertical, has_unit_, WideLabelFormat(), ShownRatio());
+  return LabelStripThickness(window(), is_vertical, has_unit_, FromSystemCodePage(label_format_.c_str()), ShownRatio());
 }
 
 const MeterLook& MeterControl::Look() const {
@@ -246,7 +236,7 @@ const MeterLook& MeterControl::Look() const {
            .has_plain_bars = has_plain_bars_,
            .has_ticks = !has_no_ticks_,
            .has_unit = has_unit_,
-           .label_format = WideLabelFormat()};
+           .label_format = FromSystemCodePage(label_format_.c_str())};
   return *look_;
 }
 
@@ -283,10 +273,7 @@ void MeterControl::LevelsChanged(bool at_once) {
   const RECT well = ToRECT(Look().layout.well);
   InvalidateRect(window(), &well, FALSE);
   if (at_once) UpdateWindow(window());
-  // Levels change too often to be told of each time.
-  if (is_shown_clipped_ == levels_.IsAnyClipped()) return;
-  is_shown_clipped_ = !is_shown_clipped_;
-  Announce(EVENT_OBJECT_VALUECHANGE);
+  AnnounceClips();
 }
 
 void MeterControl::LookChanged(bool at_once) {
@@ -294,14 +281,19 @@ void MeterControl::LookChanged(bool at_once) {
   picture_.Discard();
   Invalidate();
   if (at_once) UpdateWindow(window());
+  AnnounceClips();
+}
+
+// Levels change too often to be told of each time.
+void MeterControl::AnnounceClips() {
+  if (is_shown_clipped_ == levels_.IsAnyClipped()) return;
+  is_shown_clipped_ = !is_shown_clipped_;
+  Announce(EVENT_OBJECT_VALUECHANGE);
 }
 
 LRESULT MeterControl::OnPaint() {
-  PAINTSTRUCT painting;
-  if (const HDC dc = BeginPaint(window(), &painting)) {
-    Paint(dc, FromRECT(painting.rcPaint));
-    EndPaint(window(), &painting);
-  }
+  const WindowPainting painting(window());
+  if (painting.Get()) Paint(painting.Get(), painting.Dirty());
   return 0;
 }
 
@@ -317,11 +309,11 @@ void MeterControl::Paint(HDC dc, const Rect& dirty) {
 }
 
 // Clicks where there is nothing to click on belong to the page.
-LRESULT MeterControl::OnHitTest(POINT screen) const {
+LRESULT MeterControl::OnHitTest(Point screen) const {
   if (HasStyle(kMeterMenu)) return HTCLIENT;
-  ScreenToClient(window(), &screen);
-  const Point client = {static_cast<int>(screen.x), static_cast<int>(screen.y)};
-  return HasStyle(kMeterClip) && Look().layout.ClipAt(client) ? HTCLIENT : HTTRANSPARENT;
+  POINT place = {screen.x, screen.y};
+  ScreenToClient(window(), &place);
+  return HasStyle(kMeterClip) && Look().layout.ClipAt(FromPOINT(place)) ? HTCLIENT : HTTRANSPARENT;
 }
 
 void MeterControl::OnPress(Point client) {
@@ -340,10 +332,12 @@ LRESULT MeterControl::OnContextMenu(WPARAM wparam, LPARAM lparam) {
   if (reinterpret_cast<HWND>(wparam) != window() || !HasStyle(kMeterMenu)) {
     return SendMessageW(Parent(), WM_CONTEXTMENU, wparam, lparam);
   }
-  POINT place = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
-  if (lparam == -1) {
-    place = {kKeyboardMenuOffsetPx, kKeyboardMenuOffsetPx};
-    ClientToScreen(window(), &place);
+  if (has_menu_open_) return 0;
+  Point place = PointFrom(lparam);
+  if (static_cast<INT32>(lparam) == -1) {  // asked for by key
+    RECT meter = {};
+    GetWindowRect(window(), &meter);
+    place = {static_cast<int>(meter.left) + kKeyboardMenuOffsetPx, static_cast<int>(meter.top) + kKeyboardMenuOffsetPx};
   }
   has_menu_open_ = true;
   const int item_id = TrackMeterMenu(window(), place, {levels_.Steps(), display_range_, Style()});
@@ -355,25 +349,27 @@ LRESULT MeterControl::OnContextMenu(WPARAM wparam, LPARAM lparam) {
 LRESULT MeterControl::OnMenuSelect(WPARAM wparam, LPARAM lparam) {
   const WORD flags = HIWORD(wparam);
   if (HasStyle(kMeterMenu) && lparam != 0 && (flags & (MF_POPUP | MF_SEPARATOR)) == 0) {
-    SendMenuHelp(NotifyTarget(window(), creation_parent_), window(), LOWORD(wparam), flags,
-                 reinterpret_cast<HMENU>(lparam));
+    const UINT item_id = LOWORD(wparam);
+    const std::string help_text = InSystemCodePage(ResourceText(item_id));
+    MenuHelpNotification help = {{}, item_id, flags, reinterpret_cast<HMENU>(lparam), help_text.c_str()};
+    SendNotify(Listener(), kNotifyMenuHelp, help.header);
   }
   return 0;
 }
 
 void MeterControl::OnMenuItem(int item_id) {
-  switch (item_id) {
-    case ID_METER_RESET_CLIP: ResetClip(true); return;
-    case ID_METER_SHOW_LABELS: ChangeStyle(kMeterShowLabels, !HasStyle(kMeterShowLabels)); return;
-    case ID_METER_HOLD_PEAKS: ChangeStyle(kMeterHoldPeaks, !HasStyle(kMeterHoldPeaks)); return;
-    case ID_METER_HOLD_VALLEYS: ChangeStyle(kMeterHoldValleys, !HasStyle(kMeterHoldValleys)); return;
+  if (item_id == ID_METER_RESET_CLIP) {
+    ResetClip(true);
+    return;
+  }
+  for (const MeterToggle& toggle : kMeterToggles) {
+    if (toggle.item_id == item_id) ChangeStyle(toggle.style, !HasStyle(toggle.style));
   }
   const auto* const range = std::ranges::find(kMeterRanges, item_id, &MeterRange::item_id);
   if (range == kMeterRanges.end()) return;
   display_range_ = DisplayRangeOf(*range, levels_.Steps());
-  const auto id = static_cast<UINT_PTR>(Id());
-  NMHDR notification = {window(), id, kNotifyMeterRange};
-  SendMessageW(Parent(), WM_NOTIFY, id, reinterpret_cast<LPARAM>(&notification));
+  NMHDR notification = {};
+  SendNotify(Parent(), kNotifyMeterRange, notification);
   if (IsAlive()) LookChanged(true);
 }
 
@@ -386,17 +382,20 @@ LONG MeterControl::PartRole(int /*part*/) const { return ROLE_SYSTEM_INDICATOR; 
 
 std::wstring MeterControl::PartValue(int /*part*/) const {
   std::wstring value;
+  const std::wstring format(kOneDecimal.begin(), kOneDecimal.end());
   const MeterScale scale(levels_.Steps(), levels_.IsFloat(), 0);
   for (int channel = 0; channel < levels_.ChannelCount(); ++channel) {
     if (channel > 0) value += L", ";
     const double amplitude = scale.AmplitudeOf(levels_.Channel(channel).level);
-    value += amplitude > 0.0 ? MeterNumber(kValueFormat, 20.0 * std::log10(amplitude)) : kSilence;
+    value += amplitude > 0.0 ? MeterNumber(format, 20.0 * std::log10(amplitude)) : kMinusInfinity;
     value += kDecibelUnit;
   }
-  return levels_.IsAnyClipped() ? value + L", clipped" : value;
+  return levels_.IsAnyClipped() ? value + L", " + ResourceText(IDS_METER_CLIPPED) : value;
 }
 
-std::wstring MeterControl::PartAction(int /*part*/) const { return HasStyle(kMeterClip) ? L"Reset Clip" : L""; }
+std::wstring MeterControl::PartAction(int /*part*/) const {
+  return HasStyle(kMeterClip) ? ResourceText(IDS_METER_RESET_CLIP) : std::wstring();
+}
 
 void MeterControl::PressPart(int /*part*/) { ResetClip(true); }
 

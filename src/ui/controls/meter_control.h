@@ -45,7 +45,7 @@ class MeterControl final : public ControlWindow {
   LRESULT OnPaint();
   LRESULT OnPrint(HDC dc);
   void Paint(HDC dc, const Rect& dirty);
-  LRESULT OnHitTest(POINT screen) const;
+  LRESULT OnHitTest(Point screen) const;
   void OnPress(Point client);
   LRESULT OnKey(WPARAM wparam, LPARAM lparam);
   LRESULT OnContextMenu(WPARAM wparam, LPARAM lparam);
@@ -58,7 +58,6 @@ class MeterControl final : public ControlWindow {
   bool IsVertical() const;
   // The display range, or all there is.
   std::uint32_t ShownRatio() const;
-  std::wstring WideLabelFormat() const;
   int LabelStrip(bool is_vertical) const;
 
   const MeterLook& Look() const;
@@ -67,8 +66,8 @@ class MeterControl final : public ControlWindow {
   // What depends on the levels is to be painted; or everything, in another look.
   void LevelsChanged(bool at_once);
   void LookChanged(bool at_once);
+  void AnnounceClips();
 
-  const HWND creation_parent_;
   HFONT font_ = nullptr;  // for who asks; labels have their own
   MeterLevels levels_;
   std::uint32_t display_range_ = 0;

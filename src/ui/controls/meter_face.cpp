@@ -4,6 +4,7 @@
 
 #include "ui/controls/meter_label_format.h"
 #include "ui/gdi.h"
+#include "ui/number_labels.h"
 #include "ui/ui_library.h"
 #include "ui/user_number_format.h"
 
@@ -19,16 +20,25 @@ constexpr int kLabelGapPx = 6;
 constexpr int kSegmentPx = 4;  // with the gap behind it
 constexpr int kCornerPx = 2;
 
-// Weights of 256.
-constexpr int kDarkBar = 44;      // of a bar's colour, where it is not lit
-constexpr int kGloss = 70;        // of white, at the brightest line of a lit bar
-constexpr int kShade = 70;        // of the well, at a lit bar's edges
-constexpr int kSegmentGap = 120;  // of the well, between segments
-constexpr int kQuietText = 48;    // of the background, in labels
+constexpr int kFullWeight = 256;
+constexpr int kDarkBar = 44;       // of a bar's colour, where it is not lit
+constexpr int kGloss = 70;         // of white, at the brightest line of a lit bar
+constexpr int kShade = 70;         // of the well, at a lit bar's edge away from the light
+constexpr int kSegmentGap = 120;   // of the well, between segments
+constexpr int kClipGloss = 90;     // of white, at the top of a lit clip indicator
+constexpr int kDarkClipFoot = 80;  // of the clip colour, at the bottom of a dark one; kDarkBar at its top
+constexpr int kQuietText = 48;     // of the background, in labels
+
+// Parts of a bar's thickness, from the edge that light falls on.
+constexpr double kGlossPlace = 0.3;  // the brightest line; fades over as much again
+constexpr double kShadeStart = 0.5;  // darker from there on
 
 // Where a level's colour is pure, in decibels below full scale; between them it changes gradually.
 constexpr int kHighDbBelow = 9;
 constexpr int kLowDbBelow = 20;
+
+// What lies between the bars and a label.
+int TickStrip(int dpi) { return AtDpi(kTickPx + kTickGapPx, dpi); }
 
 std::wstring Wide(const std::u16string& text) { return {text.begin(), text.end()}; }
 std::u16string Utf16(const std::wstring& text) { return {text.begin(), text.end()}; }
@@ -70,13 +80,12 @@ int LabelStripThickness(HWND meter, bool is_vertical, bool has_unit, const std::
   const SelectedObject font(dc.Get(), SmallFont());
   const std::wstring widest = MeterNumber(label_format, display_range <= kTwoDigits ? -90.0 : -138.0);
   const SIZE size = TextSize(dc.Get(), has_unit ? widest + kDecibelUnit : widest);
-  return AtDpi(kTickPx + kTickGapPx, ScreenDpi()) + static_cast<int>(is_vertical ? size.cx : size.cy);
+  return TickStrip(ScreenDpi()) + static_cast<int>(is_vertical ? size.cx : size.cy);
 }
 
 void MeterFace::DrawDark(HDC dc, Canvas& canvas) const {
   canvas.Fill(look_.layout.client, palette_.face);
   DrawWell(canvas);
-  DrawBars(canvas, Light::kDark);
   DrawClipIndicators(canvas, Light::kDark);
   if (look_.layout.labels.IsEmpty()) return;
   const SelectedObject font(dc, SmallFont());
@@ -90,6 +99,7 @@ void MeterFace::DrawLit(Canvas& canvas) const {
   DrawClipIndicators(canvas, Light::kLit);
 }
 
+// Dark bars go before the edge: their colours may reach beyond their quiet ends. Without shades the well shows instead.
 void MeterFace::DrawWell(Canvas& canvas) const {
   const Rect& well = look_.layout.well;
   const Colour edge = look_.is_focused ? palette_.accent : palette_.channel_edge;
@@ -100,13 +110,13 @@ void MeterFace::DrawWell(Canvas& canvas) const {
   }
   const int corner_px = AtDpi(kCornerPx, look_.dpi);
   canvas.FillRounded(well, corner_px, palette_.channel, palette_.channel);
+  DrawBars(canvas, Light::kDark);
   canvas.StrokeRounded(well, corner_px, 1, edge);
 }
 
 void MeterFace::DrawBars(Canvas& canvas, Light light) const {
   for (int channel = 0; channel < look_.layout.channel_count; ++channel) {
     const Rect& bar = look_.layout.bars[static_cast<std::size_t>(channel)];
-    if (light == Light::kDark && !is_shaded_) continue;  // the well shows
     DrawGradient(canvas, bar, light);
     if (light == Light::kLit && is_shaded_) ShadeBar(canvas, bar);
     if (!look_.has_plain_bars) DrawSegmentGaps(canvas, bar, light);
@@ -116,7 +126,7 @@ void MeterFace::DrawBars(Canvas& canvas, Light light) const {
 Colour MeterFace::LevelColour(double db_below) const {
   if (!look_.is_enabled) return palette_.is_high_contrast ? palette_.disabled_text : palette_.shadow;
   if (look_.is_inverted) return palette_.reduction;
-  const auto weight = [](double part) { return static_cast<int>(std::clamp(part, 0.0, 1.0) * 256.0); };
+  const auto weight = [](double part) { return static_cast<int>(std::clamp(part, 0.0, 1.0) * kFullWeight); };
   if (db_below > kHighDbBelow) {
     return Mixed(palette_.level_low, palette_.level_high,
                  weight((kLowDbBelow - db_below) / (kLowDbBelow - kHighDbBelow)));
@@ -130,12 +140,11 @@ void MeterFace::DrawGradient(Canvas& canvas, const Rect& bar, Light light) const
   const auto colour_at = [&](double db_below) {
     return light == Light::kLit ? LevelColour(db_below) : Mixed(palette_.channel, LevelColour(db_below), kDarkBar);
   };
-  const int span_db = look_.scale.SpanDb();
-  int quiet_db = span_db;
-  for (const int db_below : {kLowDbBelow, kHighDbBelow, 0}) {
-    const int loud_db = std::min(db_below, span_db);
-    const int start = quiet_db == span_db ? 0 : look_.scale.PlaceOf(quiet_db, length);
-    const Rect zone = layout.Slice(bar, start, look_.scale.PlaceOf(loud_db, length));
+  canvas.Fill(bar, colour_at(look_.scale.SpanDb()));
+  int quiet_db = kLowDbBelow;
+  // Zones that the end of the scale cuts are drawn whole, between pure colours: few-colour screens have no others.
+  for (const int loud_db : {kHighDbBelow, 0}) {
+    const Rect zone = layout.Slice(bar, look_.scale.PlaceOf(quiet_db, length), look_.scale.PlaceOf(loud_db, length));
     if (layout.is_vertical) {
       canvas.FillGradient(zone, colour_at(loud_db), colour_at(quiet_db), Direction::kDown);
     } else {
@@ -153,8 +162,8 @@ void MeterFace::ShadeBar(Canvas& canvas, const Rect& bar) const {
     for (int x = bar.left; x < bar.right; ++x) {
       const int across = is_vertical ? x - bar.left : y - bar.top;
       const double part = (across + 0.5) / thickness;
-      const double gloss = std::max(0.0, 1.0 - std::abs(part - 0.3) / 0.3);
-      const double shade = std::max(0.0, (part - 0.5) / 0.5);
+      const double gloss = std::max(0.0, 1.0 - std::abs(part - kGlossPlace) / kGlossPlace);
+      const double shade = std::max(0.0, (part - kShadeStart) / (1.0 - kShadeStart));
       const Colour glossy = Mixed(canvas.PixelAt({x, y}), kWhite, static_cast<int>(gloss * kGloss));
       canvas.Fill({x, y, x + 1, y + 1}, Mixed(glossy, palette_.channel, static_cast<int>(shade * kShade)));
     }
@@ -163,7 +172,7 @@ void MeterFace::ShadeBar(Canvas& canvas, const Rect& bar) const {
 
 void MeterFace::DrawSegmentGaps(Canvas& canvas, const Rect& bar, Light light) const {
   const MeterLayout& layout = look_.layout;
-  const int weight = light == Light::kLit && is_shaded_ ? kSegmentGap : 256;
+  const int weight = light == Light::kLit && is_shaded_ ? kSegmentGap : kFullWeight;
   const int segment_px = AtDpi(kSegmentPx, look_.dpi);
   for (int place = segment_px - 1; place < layout.BarLength(); place += segment_px) {
     const Rect gap = layout.Slice(bar, place, place + 1);
@@ -188,9 +197,10 @@ void MeterFace::DrawClipIndicators(Canvas& canvas, Light light) const {
     canvas.Fill(clip, palette_.channel);
     const int corner_px = AtDpi(kCornerPx, look_.dpi);
     if (is_lit) {
-      canvas.FillRounded(clip, corner_px, Mixed(red, kWhite, 90), red);
+      canvas.FillRounded(clip, corner_px, Mixed(red, kWhite, kClipGloss), red);
     } else {
-      canvas.FillRounded(clip, corner_px, Mixed(palette_.channel, red, kDarkBar), Mixed(palette_.channel, red, 80));
+      canvas.FillRounded(clip, corner_px, Mixed(palette_.channel, red, kDarkBar),
+                         Mixed(palette_.channel, red, kDarkClipFoot));
     }
   }
 }
@@ -213,11 +223,11 @@ void MeterFace::DrawTicks(Canvas& canvas, const std::vector<ScaleLabel>& labels)
 void MeterFace::DrawLabels(HDC dc, const std::vector<ScaleLabel>& labels) const {
   const MeterLayout& layout = look_.layout;
   SetBkMode(dc, TRANSPARENT);
-  const Colour ink = !look_.is_enabled           ? palette_.disabled_text
-                     : palette_.is_high_contrast ? palette_.text
-                                                 : Mixed(palette_.text, palette_.face, kQuietText);
+  const Colour ink = !look_.is_enabled ? palette_.disabled_text
+                     : is_shaded_      ? Mixed(palette_.text, palette_.face, kQuietText)
+                                       : palette_.text;
   SetTextColor(dc, ToCOLORREF(ink));
-  const int tick_px = AtDpi(kTickPx + kTickGapPx, look_.dpi);
+  const int tick_px = TickStrip(look_.dpi);
   const UINT alignment = layout.is_vertical ? DT_RIGHT | DT_VCENTER : DT_LEFT | DT_TOP;
   for (const ScaleLabel& label : labels) {
     RECT area = ToRECT(layout.Slice(layout.labels, label.start_px, label.end_px));

@@ -30,7 +30,6 @@ int LabelStripThickness(HWND meter, bool is_vertical, bool has_unit, const std::
 
 // Text of a level or a label, in the user's number format.
 std::wstring MeterNumber(const std::wstring& format, double db);
-inline constexpr wchar_t kDecibelUnit[] = L" dB";
 
 class MeterFace {
  public:

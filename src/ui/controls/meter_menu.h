@@ -5,7 +5,20 @@
 
 #include <cstdint>
 
+#include "resources/ids.h"
+#include "ui/controls/meter_messages.h"
+#include "ui/geometry.h"
+
 namespace tervan::ui {
+
+// The items that switch a style on and off.
+struct MeterToggle {
+  int item_id;
+  DWORD style;
+};
+inline constexpr MeterToggle kMeterToggles[] = {{ID_METER_SHOW_LABELS, kMeterShowLabels},
+                                                {ID_METER_HOLD_PEAKS, kMeterHoldPeaks},
+                                                {ID_METER_HOLD_VALLEYS, kMeterHoldValleys}};
 
 struct MeterMenuState {
   std::int32_t steps;
@@ -15,9 +28,6 @@ struct MeterMenuState {
 
 // Shows the menu until the user is through with it. The number of the chosen item; 0: none. Whatever else happens
 // meanwhile, the meter may be gone afterwards.
-int TrackMeterMenu(HWND meter, POINT screen, const MeterMenuState& state);
-
-// Tells the target of the item that is highlighted in the meter's menu.
-void SendMenuHelp(HWND target, HWND meter, UINT item_id, UINT flags, HMENU menu);
+int TrackMeterMenu(HWND meter, Point screen, const MeterMenuState& state);
 
 }  // namespace tervan::ui

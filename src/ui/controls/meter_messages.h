@@ -1,4 +1,8 @@
 // The level meter as its parent sees it: window class, styles, messages, notifications.
+//
+// A bar lights from the quiet end to its level. An inverted one lights what is missing to full scale, from the level to
+// the loud end: 1.0 is no reduction and all dark, 0 the full one; a marker that rests at full scale is not drawn. Ticks
+// come with labels only, every 3 dB, or at 6, 12, ... where they would be less than 3 px (at 96 dpi) apart.
 #pragma once
 
 #include <windows.h>
@@ -38,11 +42,11 @@ inline constexpr UINT kMeterResetClip = 0x618;        // wParam: redraw
 inline constexpr UINT kMeterResetHolds = 0x619;       // wParam: redraw
 inline constexpr UINT kMeterGetPreferredSize = 0x61A;
 inline constexpr UINT kMeterGetBarBounds = 0x61C;  // wParam: 2, channel; lParam: RECT*
-inline constexpr UINT kMeterSwitchPlainBars =
-    0x61D;  // wParam: redraw; lParam: on or off, answered; bars without segments
-inline constexpr UINT kMeterSwitchNoTicks = 0x61E;  // the same; labels without ticks
-inline constexpr UINT kMeterGetOptions = 0x61F;     // wParam: mask; answers those of its bits that are set
-inline constexpr UINT kMeterChangeOptions = 0x620;  // wParam: mask; lParam: set or clear; answers all bits
+// The two switches: wParam: redraw; lParam: on or off, which is the answer, too.
+inline constexpr UINT kMeterSwitchPlainBars = 0x61D;  // bars without segments
+inline constexpr UINT kMeterSwitchNoTicks = 0x61E;    // labels without ticks
+inline constexpr UINT kMeterGetOptions = 0x61F;       // wParam: mask; answers those of its bits that are set
+inline constexpr UINT kMeterChangeOptions = 0x620;    // wParam: mask; lParam: set or clear; answers all bits
 
 inline constexpr WORD kMeterBarArea = 2;  // what kMeterGetBarBounds asks for; channels count from 0
 

@@ -36,7 +36,8 @@ bool MeterPicture::Prepare(HDC screen, const MeterLook& look) {
   if (!context->Prepare(screen, size_)) return false;
   palette_ = CurrentPalette();
   Canvas& canvas = context->canvas();
-  const MeterFace face(look, palette_, HasFewColours(screen));
+  has_few_colours_ = HasFewColours(screen);
+  const MeterFace face(look, palette_, has_few_colours_);
   const auto copy_to = [&canvas, this](Pixels& pixels) {
     GdiFlush();
     pixels.assign(canvas.pixels(), canvas.pixels() + static_cast<std::size_t>(size_.width) * size_.height);
@@ -57,20 +58,22 @@ void MeterPicture::CopyLit(const Rect& area) {
   }
 }
 
-// A bright line, or a dark one amid what is lit.
+// Bright, or dark amid what is lit. The place lies inside the client area.
+Colour MeterPicture::MarkerColour(Point place, bool is_amid_light) {
+  if (palette_.is_high_contrast) return is_amid_light ? palette_.window : palette_.text;
+  if (is_amid_light) return palette_.channel_edge;
+  if (has_few_colours_) return palette_.highlight;
+  return Mixed(Canvas(lit_.data(), size_).PixelAt(place), kWhite, kMarkerWhite);
+}
+
 void MeterPicture::Mark(const MeterLook& look, int channel, int place_px, const BarReading& reading) {
   if (place_px <= 0) return;
   const int width_px = std::max(AtDpi(kMarkerPx, look.dpi), 1);
   const int end_px = std::max(place_px, width_px);
   const Rect line = look.layout.Slice(look.layout.bars[static_cast<std::size_t>(channel)], end_px - width_px, end_px);
   const bool is_amid_light = place_px > reading.lit_from_px && place_px < reading.lit_to_px;
-  Colour colour = is_amid_light ? palette_.channel_edge : palette_.text;
-  if (palette_.is_high_contrast) {
-    colour = is_amid_light ? palette_.window : palette_.text;
-  } else if (!is_amid_light && look.layout.client.Contains({line.left, line.top})) {
-    colour = Mixed(Canvas(lit_.data(), size_).PixelAt({line.left, line.top}), kWhite, kMarkerWhite);
-  }
-  Canvas(shown_.data(), size_).Fill(line, colour);
+  if (!look.layout.client.Contains({line.left, line.top})) return;
+  Canvas(shown_.data(), size_).Fill(line, MarkerColour({line.left, line.top}, is_amid_light));
 }
 
 void MeterPicture::Show(HDC screen, const MeterLook& look, const BarReadings& readings, const Rect& dirty) {

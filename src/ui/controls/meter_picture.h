@@ -45,10 +45,12 @@ class MeterPicture {
 
   void CopyLit(const Rect& area);
   void ShowRows(HDC screen, const Rect& dirty) const;
+  Colour MarkerColour(Point place, bool is_amid_light);
   void Mark(const MeterLook& look, int channel, int place_px, const BarReading& reading);
 
   const MeterContextUser context_;
   bool is_drawn_ = false;
+  bool has_few_colours_ = false;
   Palette palette_{};
   Size size_{};
   Pixels dark_;

@@ -5,9 +5,9 @@
 
 #include <string>
 
-namespace tervan::ui {
+#include "ui/number_labels.h"
 
-inline constexpr wchar_t kMinusInfinity[] = L"-Inf.";
+namespace tervan::ui {
 
 std::wstring IntegerText(INT32 value);  // with the user's digit grouping
 std::wstring TenthsText(INT32 tenths);  // one decimal
