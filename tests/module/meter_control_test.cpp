@@ -4,7 +4,6 @@
 
 #include <oleacc.h>
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <map>
@@ -13,6 +12,7 @@
 
 #include "module/module.h"
 #include "resources/ids.h"
+#include "ui/gdi.h"
 
 namespace tervan::test {
 namespace {
@@ -22,7 +22,7 @@ using testing::ElementsAre;
 using testing::StartsWith;
 
 constexpr DWORD kInputMeter = 0x06BC;  // as on the compressor's page
-constexpr int kId = 2014;
+constexpr UINT_PTR kId = 2014;
 
 INT32 Bits(float level) { return std::bit_cast<INT32>(level); }
 INT32 AtDb(double db) { return Bits(static_cast<float>(std::pow(10.0, db / 20.0))); }
@@ -42,46 +42,64 @@ class MeterControl : public ModuleTest {
     ModuleTest::TearDown();
   }
 
-  HWND Make(DWORD style, int width = 300, int height = 40) {
-    return meter = CreateWindowW(kMeterClassName, L"", WS_CHILD | WS_VISIBLE | style, 20, 10, width, height, page,
+  HWND Make(DWORD style) {
+    return meter = CreateWindowW(kMeterClassName, L"", WS_CHILD | WS_VISIBLE | style, 20, 10, 300, 40, page,
                                  reinterpret_cast<HMENU>(kId), nullptr, nullptr);
   }
   // Floats, two channels, 42 dB.
-  HWND MakeInputMeter(DWORD style = kInputMeter) {
+  void MakeInputMeter(DWORD style = kInputMeter) {
     Make(style);
     Send(kMeterSetChannelCount, 0, 2);
     Send(kMeterSetRange, MAKEWPARAM(0, 1), 32767);
     Send(kMeterSetDisplayRange, 0, 128);
-    return meter;
   }
   LRESULT Send(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const {
     return SendMessageW(meter, message, wparam, lparam);
   }
-  void Set(std::vector<INT32> levels) const {
-    Send(kMeterSetLevels, MAKEWPARAM(1, levels.size()), reinterpret_cast<LPARAM>(levels.data()));
+  LRESULT Pass(UINT message, WPARAM wparam, const void* place) const {
+    return Send(message, wparam, reinterpret_cast<LPARAM>(place));
   }
-  std::vector<INT32> Get(UINT message, int count) const {
-    std::vector<INT32> values(static_cast<std::size_t>(count), 77);
-    values.resize(
-        static_cast<std::size_t>(Send(message, MAKEWPARAM(0, count), reinterpret_cast<LPARAM>(values.data()))));
+  void Set(std::vector<INT32> levels, UINT message = kMeterSetLevels) const {
+    Pass(message, MAKEWPARAM(1, levels.size()), levels.data());
+  }
+  std::vector<INT32> Get(UINT message, WORD count) const {
+    std::vector<INT32> values(count, 77);
+    values.resize(static_cast<std::size_t>(Pass(message, MAKEWPARAM(0, count), values.data())));
     return values;
   }
-
-  // The pixels along the middle of the first channel, from the left edge of the meter to the right one.
-  std::vector<COLORREF> Row() const {
+  RECT Bar() const {
     RECT bar = {};
-    EXPECT_TRUE(Send(kMeterGetBarBounds, kMeterBarArea, reinterpret_cast<LPARAM>(&bar)));
+    EXPECT_TRUE(Pass(kMeterGetBarBounds, kMeterBarArea, &bar));
+    return bar;
+  }
+  // How many pixels of a bar so many decibels below full scale light, of 42.
+  int Place(double db_below) const {
+    const int length = static_cast<int>(Bar().right - Bar().left);
+    return length - static_cast<int>(db_below / 42 * length + 0.45);
+  }
+  // The middle of the first channel, from the left edge of the meter to the right one.
+  std::vector<COLORREF> Row() const {
+    UpdateWindow(meter);
+    const RECT bar = Bar();
     const HDC dc = GetDC(meter);
     std::vector<COLORREF> row;
     for (int x = 0; x < 300; ++x) row.push_back(GetPixel(dc, x, (bar.top + bar.bottom) / 2));
     ReleaseDC(meter, dc);
     return row;
   }
+  std::vector<int> ChangesSince(const std::vector<COLORREF>& before) const {
+    const std::vector<COLORREF> now = Row();
+    std::vector<int> places;
+    for (std::size_t x = 0; x < now.size(); ++x) {
+      if (now[x] != before[x]) places.push_back(static_cast<int>(x));
+    }
+    return places;
+  }
 
   // Opens the menu and presses these keys in it.
   void UseMenu(std::vector<WPARAM> pressed) {
     keys = std::move(pressed);
-    Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(meter), -1);
+    Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(meter), MAKELPARAM(-1, -1));
     EXPECT_TRUE(keys.empty()) << "the menu never waited";
   }
 
@@ -97,24 +115,25 @@ class MeterControl : public ModuleTest {
   static LRESULT CALLBACK OnPageMessage(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     auto& test = *reinterpret_cast<MeterControl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     switch (message) {
-      case WM_NOTIFY: test.OnNotify(reinterpret_cast<const NMHDR*>(lparam)); return 0;
-      case WM_ENTERIDLE: test.OnIdle(); return 0;
+      case WM_NOTIFY: test.OnNotify(*reinterpret_cast<const MenuHelpNotification*>(lparam)); return 0;
+      case WM_ENTERIDLE: test.OnIdle(reinterpret_cast<HWND>(lparam)); return 0;
       case WM_CONTEXTMENU: ++test.menus_for_page; return 0;
     }
     return DefWindowProcW(window, message, wparam, lparam);
   }
-  void OnNotify(const NMHDR* header) {
-    EXPECT_EQ(header->hwndFrom, meter);
-    EXPECT_EQ(header->idFrom, static_cast<UINT_PTR>(kId));
-    if (header->code == kNotifyMeterRange) ++range_notifications;
-    if (header->code != kNotifyMenuHelp) return;
-    const auto& help = *reinterpret_cast<const MenuHelpNotification*>(header);
+  void OnNotify(const MenuHelpNotification& help) {
+    EXPECT_TRUE(help.header.hwndFrom == meter && help.header.idFrom == kId);
+    if (help.header.code == kNotifyMeterRange) ++range_notifications;
+    if (help.header.code != kNotifyMenuHelp) return;
     helps.emplace_back(help.help_text);
     for (UINT id = ID_METER_RANGE_12_DB; id <= ID_METER_HOLD_VALLEYS; ++id) {
       item_states[id] = GetMenuState(help.menu, id, MF_BYCOMMAND);
     }
   }
-  void OnIdle() {
+  void OnIdle(HWND menu) {
+    RECT popup = {};
+    GetWindowRect(menu, &popup);
+    EXPECT_TRUE(popup.left == 20 + 16 && popup.top == 10 + 16) << popup.left << ", " << popup.top;
     for (const WPARAM key : std::exchange(keys, {})) {
       if (key == VK_DELETE) DestroyWindow(meter);
       PostMessageW(meter, WM_KEYDOWN, key, 0);
@@ -128,27 +147,43 @@ TEST_F(MeterControl, RemembersWhatItIsTold) {
   EXPECT_EQ(Send(kMeterSetRange, MAKEWPARAM(0, 1), 400), 400);
   INT32 is_float = 0;
   float step = 0;
-  Send(kMeterGetRange, reinterpret_cast<WPARAM>(&is_float), reinterpret_cast<LPARAM>(&step));
+  Pass(kMeterGetRange, reinterpret_cast<WPARAM>(&is_float), &step);
   EXPECT_EQ(is_float, -1);
   EXPECT_EQ(step, 0.0025F);
   EXPECT_EQ(Send(kMeterSetDisplayRange, 1, 16), 16);
-  EXPECT_EQ(Send(kMeterGetDisplayRange), 16);
   EXPECT_EQ(Send(kMeterChangeStyle, kMeterHoldValleys, 1), 0x07BC);
   EXPECT_EQ(Send(kMeterChangeStyle, kMeterHoldPeaks | kMeterMenu, 0), 0x05B8);
 
   char format[16];
-  Send(kMeterGetLabelFormat, sizeof format, reinterpret_cast<LPARAM>(format));
+  Pass(kMeterGetLabelFormat, sizeof format, format);
   EXPECT_STREQ(format, "$.1f");
-  Send(kMeterSetLabelFormat, 0, reinterpret_cast<LPARAM>("$.0f decibels and more"));
-  EXPECT_EQ(Send(kMeterGetLabelFormat, 6, reinterpret_cast<LPARAM>(format)), 5);
+  Pass(kMeterSetLabelFormat, 0, "$.0f decibels and more");
+  EXPECT_EQ(Pass(kMeterGetLabelFormat, 6, format), 5);
   EXPECT_STREQ(format, "$.0f ");
 
   Set({Bits(0.5F), Bits(1.5F), -1});
   EXPECT_THAT(Get(kMeterGetLevels, 3), ElementsAre(Bits(0.5F), Bits(1.0F), 0));
   EXPECT_EQ(Get(kMeterGetLevels, 9).size(), 6U);
-  EXPECT_THAT(Get(kMeterGetExtremes, 2), ElementsAre(Bits(0.5F), Bits(1.5F)));
+  Set({-1, Bits(0.75F)}, kMeterSetExtremes);
+  Send(kMeterResetHolds);
+  EXPECT_THAT(Get(kMeterGetExtremes, 2), ElementsAre(0, Bits(0.75F)));
+  Send(kMeterResetClip);
+  EXPECT_THAT(Get(kMeterGetExtremes, 2), ElementsAre(Bits(0.5F), Bits(1.0F)));
   Make(0x051E);
   EXPECT_EQ(Send(kMeterGetExtremes), 32767);
+  Send(kMeterChangeStyle, kMeterInverted, 0);
+  EXPECT_EQ(Send(kMeterGetExtremes), 0);
+}
+
+TEST_F(MeterControl, RedrawsAtOnceWhenItIsToldTo) {
+  Make(kInputMeter);
+  for (const UINT message : {kMeterSetLevels, kMeterSetDisplayRange, kMeterSetChannelCount, kMeterResetClip,
+                             kMeterResetHolds, kMeterSwitchPlainBars, kMeterSwitchNoTicks}) {
+    for (const WORD at_once : {0, 1}) {
+      Send(message, at_once, 1);
+      EXPECT_EQ(GetUpdateRect(meter, nullptr, FALSE), !at_once) << message;
+    }
+  }
 }
 
 TEST_F(MeterControl, LightsUpToTheLevelAndForAReductionFromTheLevelOn) {
@@ -156,52 +191,57 @@ TEST_F(MeterControl, LightsUpToTheLevelAndForAReductionFromTheLevelOn) {
     MakeInputMeter(is_reduction ? 0x0016 : 0x0014);  // clip indicators, no markers
     Set({-1, -1});
     const std::vector<COLORREF> dark = Row();
-    const auto lit = [&] {  // how many pixels, and where they begin
-      const std::vector<COLORREF> row = Row();
-      const auto first = std::ranges::mismatch(row, dark).in1;
-      int count = 0;
-      for (std::size_t x = 0; x < row.size(); ++x) count += row[x] != dark[x];
-      return std::pair(static_cast<int>(first - row.begin()), count);
-    };
-    RECT bar = {};
-    Send(kMeterGetBarBounds, kMeterBarArea, reinterpret_cast<LPARAM>(&bar));
-    const int length = static_cast<int>(bar.right - bar.left);
-    const int quiet_part = length - static_cast<int>(length / 3.0 + 0.45);  // 14 of 42 dB are dark
-
+    const int length = Place(0);
     Set({AtDb(-14), 0});
-    EXPECT_EQ(lit(), is_reduction ? std::pair(1 + quiet_part, length - quiet_part) : std::pair(1, quiet_part));
+    const std::vector<int> lit = ChangesSince(dark);
+    EXPECT_EQ(lit.front(), is_reduction ? 1 + Place(14) : 1);
+    EXPECT_EQ(std::ssize(lit), is_reduction ? length - Place(14) : Place(14));
     Set({AtDb(0), 0});
-    const int at_full_scale = lit().second;
-    EXPECT_EQ(at_full_scale, is_reduction ? 0 : length) << "the clip indicator stays dark";
+    EXPECT_EQ(std::ssize(ChangesSince(dark)), is_reduction ? 0 : length) << "the clip indicator stays dark";
     Set({Bits(1.5F), 0});
-    EXPECT_GT(lit().second, at_full_scale + 5);
-    Send(WM_LBUTTONDOWN, 0, MAKELPARAM(bar.right + 5, bar.top));
-    EXPECT_EQ(lit().second, at_full_scale) << "a click resets the indicator";
+    EXPECT_GT(std::ssize(ChangesSince(dark)), (is_reduction ? 0 : length) + 5);
+    Send(WM_LBUTTONDOWN, 0, MAKELPARAM(Bar().right + 5, Bar().top));
+    EXPECT_EQ(std::ssize(ChangesSince(dark)), is_reduction ? 0 : length) << "a click resets the indicator";
     EXPECT_EQ(Send(kMeterGetExtremes), Bits(1.0F));
     DestroyWindow(meter);
   }
 }
 
+TEST_F(MeterControl, MarksThePeakOrTheValleyOfItsStyle) {
+  const auto marks = [this](DWORD style, double first_db, double then_db, UINT reset) {
+    for (;;) {
+      DestroyWindow(meter);
+      MakeInputMeter(0);
+      const DWORD start = GetTickCount();
+      Set({AtDb(first_db), 0});
+      Set({AtDb(then_db), 0});
+      Send(reset);
+      const std::vector<COLORREF> bare = Row();
+      Send(kMeterChangeStyle, style, 1);
+      const std::vector<int> changes = ChangesSince(bare);
+      if (GetTickCount() - start < kMeterHoldMs) return changes;  // later nothing is held any more
+    }
+  };
+  MakeInputMeter(0);
+  EXPECT_THAT(marks(kMeterHoldPeaks, -7, -28, WM_NULL), ElementsAre(Place(7)));
+  EXPECT_THAT(marks(kMeterHoldValleys, -28, -7, WM_NULL), ElementsAre(Place(28)));
+  EXPECT_THAT(marks(kMeterHoldPeaks, -7, -28, kMeterResetHolds), ElementsAre(Place(28)));
+}
+
 TEST_F(MeterControl, LeavesToThePageWhatIsNotItsOwn) {
   Make(kMeterClip);
-  RECT bar = {};
-  Send(kMeterGetBarBounds, kMeterBarArea, reinterpret_cast<LPARAM>(&bar));
-  const auto hit = [this](LONG x) {
-    POINT p = {x, 3};
-    ClientToScreen(meter, &p);
-    return Send(WM_NCHITTEST, 0, MAKELPARAM(p.x, p.y));
-  };
-  EXPECT_EQ(hit(bar.right - 1), HTTRANSPARENT);
-  EXPECT_EQ(hit(bar.right + 5), HTCLIENT);
+  const LONG end = Bar().right;
+  const auto hit = [this](LONG x) { return Send(WM_NCHITTEST, 0, MAKELPARAM(20 + x, 10 + 3)); };
+  EXPECT_TRUE(hit(end - 1) == HTTRANSPARENT && hit(end + 5) == HTCLIENT);
   Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(meter), -1);
   Send(kMeterChangeStyle, kMeterMenu, 1);
-  EXPECT_EQ(hit(bar.right - 1), HTCLIENT);
+  EXPECT_EQ(hit(end - 1), HTCLIENT);
   Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(page), -1);
   EXPECT_EQ(menus_for_page, 2);
 }
 
 TEST_F(MeterControl, MenuSetsRangesAndStyles) {
-  MakeInputMeter();
+  MakeInputMeter(kInputMeter | WS_BORDER);
   UseMenu({VK_DOWN, VK_DOWN, VK_DOWN, VK_RETURN});
   EXPECT_EQ(Send(kMeterGetDisplayRange), 16);
   EXPECT_EQ(range_notifications, 1);
@@ -225,7 +265,6 @@ TEST_F(MeterControl, MenuSetsRangesAndStyles) {
 
 TEST_F(MeterControl, TellsScreenReadersItsLevels) {
   MakeInputMeter();
-  Set({AtDb(-12.34), Bits(0.0F)});
   ComPtr<IAccessible> accessible;
   ASSERT_HRESULT_SUCCEEDED(
       AccessibleObjectFromWindow(meter, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible), accessible.PutVoid()));
@@ -238,8 +277,9 @@ TEST_F(MeterControl, TellsScreenReadersItsLevels) {
     SysFreeString(text);
     return copy;
   };
+  Set({AtDb(-12.34), Bits(0.0F)});
   EXPECT_EQ(value(), L"-12.3 dB, -Inf. dB");
-  Set({Bits(1.0F), Bits(7.0F)});
+  Set({Bits(0.999F), Bits(7.0F)});
   EXPECT_EQ(value(), L"0.0 dB, 0.0 dB, clipped");
   EXPECT_EQ(accessible->accDoDefaultAction(self), S_OK);
   EXPECT_EQ(value(), L"0.0 dB, 0.0 dB");
@@ -247,36 +287,29 @@ TEST_F(MeterControl, TellsScreenReadersItsLevels) {
 
 TEST_F(MeterControl, SurvivesWhateverItIsTold) {
   std::mt19937 random(244);
-  const auto any_of = [&random](std::initializer_list<UINT> numbers) {
-    return static_cast<LPARAM>(numbers.begin()[random() % numbers.size()]);
-  };
+  constexpr UINT kNumbers[] = {0, 1, 2, 3, 128, 400, 32768, 0x3F800000, 0x7F800000, 0x7FC00000, 0x7FFFFFFF, 0xFFFFFFFF};
   Make(kInputMeter);
   for (int turn = 0; turn < 10000; ++turn) {
     const UINT message = kMeterGetLevels + random() % (kMeterChangeOptions - kMeterGetLevels + 1);
     const bool takes_place = message == kMeterSetLabelFormat || message == kMeterGetLabelFormat ||
                              message == kMeterGetRange || message == kMeterGetBarBounds;
-    const auto number =
-        any_of({0, 1, 2, 3, 128, 400, 32768, 0x3F800000, 0x7F800000, 0x7FC00000, 0x7FFFFFFF, 0xFFFFFFFF});
-    const auto count = message == kMeterSetRange ? any_of({0, 1}) : 0;
-    Send(message, MAKEWPARAM(turn % 9 == 0 && !takes_place, count), takes_place ? 0 : number);
-    if (turn % 50 == 0) SetWindowPos(meter, nullptr, 0, 0, any_of({0, 1, 7, 300}), any_of({0, 1, 9, 40, 99}), 0);
+    const UINT number = kNumbers[random() % (takes_place ? 6 : std::size(kNumbers))];  // no place is so low
+    Send(message, MAKEWPARAM(turn % 9 == 0, message == kMeterSetRange && number % 2 == 1), number);
+    if (turn % 50 == 0) SetWindowPos(meter, nullptr, 0, 0, number % 301, random() % 99, SWP_NOMOVE);
     ASSERT_LE(Send(kMeterGetChannelCount), kMaxMeterChannels);
     ASSERT_GE(Send(kMeterGetLevels), 0);
   }
 }
 
 TEST_F(MeterControl, MetersThatComeAndGoLeaveNothingBehind) {
-  const auto next_handle = [] {  // numbers grow with the objects that live
-    const HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
-    DeleteObject(brush);
-    return LOWORD(reinterpret_cast<ULONG_PTR>(brush));
-  };
+  // Numbers grow with the objects that live.
+  const auto next_handle = [] { return LOWORD(GdiObject<HBRUSH>(CreateSolidBrush(RGB(1, 2, 3))).get()); };
   MakeInputMeter();  // what the module keeps, its font, is there
   UpdateWindow(meter);
   const WORD before = next_handle();
   for (int i = 0; i < 500; ++i) {
     const HWND first = meter;
-    ASSERT_NE(MakeInputMeter(i % 2 ? 0x051E : 0x07BD), nullptr);
+    MakeInputMeter(i % 2 ? 0x051E : 0x07BD);
     Set({AtDb(-6), AtDb(-9)});
     DestroyWindow(first);
   }
