@@ -6,6 +6,7 @@ namespace tervan::ui {
 struct Point {
   int x;
   int y;
+  bool operator==(const Point&) const = default;
 };
 
 struct Size {

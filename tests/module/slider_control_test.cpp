@@ -2,13 +2,12 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <oleacc.h>
 
 #include <algorithm>
 #include <functional>
 #include <string>
 
-#include "module/module.h"
+#include "module/control_rig.h"
 
 namespace tervan::test {
 namespace {
@@ -27,60 +26,31 @@ struct Thumbs {
   const INT32* positions;
 };
 
-// The parent of one slider at a time; writes down what it is told.
-class SliderTest : public ModuleTest {
+class SliderTest : public ControlTest {
  protected:
-  void SetUp() override {
-    const HINSTANCE program = GetModuleHandleW(nullptr);
-    WNDCLASSW own = {};
-    own.lpfnWndProc = Procedure;
-    own.hInstance = program;
-    own.lpszClassName = L"SliderTestParent";
-    RegisterClassW(&own);
-    parent =
-        CreateWindowW(own.lpszClassName, L"", WS_POPUP | WS_VISIBLE, 0, 0, 300, 200, nullptr, nullptr, program, this);
-    ASSERT_NE(parent, nullptr);
-  }
-  void TearDown() override { DestroyWindow(parent); }
-
   HWND Make(const wchar_t* name, DWORD style = 0, int width = 112, int height = 24) {
     heard.clear();
-    return slider = CreateWindowW(name, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, width, height, parent,
-                                  reinterpret_cast<HMENU>(7), nullptr, reinterpret_cast<void*>(77));
-  }
-  LRESULT Send(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
-    return SendMessageW(slider, message, wparam, lparam);
+    return ControlTest::Make(name, style, width, height);
   }
   int Number(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
     return static_cast<int>(Send(message, wparam, lparam));
   }
-  // The mouse at a place of the track, in hundredths, of a slider of the usual size.
+  // The mouse at a place of a horizontal trackbar's track, in hundredths.
   LRESULT Mouse(UINT message, int hundredths) {
     const auto metrics = static_cast<DWORD>(Send(kMetrics));
-    const int margin = (112 - LOWORD(metrics)) / 2;
-    return Send(message, MK_LBUTTON, MAKELPARAM(margin + hundredths * LOWORD(metrics) / 100, 12));
+    return Send(message, MK_LBUTTON, MAKELPARAM(HIWORD(metrics) + hundredths * LOWORD(metrics) / 100, 12));
   }
 
-  HWND parent = nullptr, slider = nullptr;
   std::string heard;
   std::function<void(const std::string&)> on_hearing = [](const std::string&) {};
 
  private:
-  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == WM_NCCREATE) {
-      SetWindowLongPtrW(window, GWLP_USERDATA,
-                        reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams));
-    }
-    auto* const test = reinterpret_cast<SliderTest*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (test) test->Hear(message, wparam, lparam);
-    return DefWindowProcW(window, message, wparam, lparam);
-  }
-  void Hear(UINT message, WPARAM wparam, LPARAM lparam) {
+  void Hear(UINT message, WPARAM wparam, LPARAM lparam) override {
     std::string what;
     if (message == WM_HSCROLL || message == WM_VSCROLL) {
       what = (message == WM_HSCROLL ? "H" : "V") + std::to_string(LOWORD(wparam));
       if (HIWORD(wparam) != 0) what += "=" + std::to_string(static_cast<SHORT>(HIWORD(wparam)));
-      EXPECT_EQ(reinterpret_cast<HWND>(lparam), slider);
+      EXPECT_EQ(reinterpret_cast<HWND>(lparam), control);
     } else if (message == WM_COMMAND) {
       what = "C" + std::to_string(LOWORD(wparam)) + "." + std::to_string(HIWORD(wparam));
     } else if (message == WM_NOTIFY) {
@@ -91,6 +61,8 @@ class SliderTest : public ModuleTest {
         EXPECT_EQ(thumbs.count, 2);
         what += "." + std::to_string(thumbs.code) + "=" + std::to_string(thumbs.positions[1]);
       }
+    } else if (message == WM_CONTEXTMENU) {
+      what = "M";
     }
     if (what.empty()) return;
     heard += what + " ";
@@ -123,7 +95,7 @@ TEST_F(SliderTest, KeepsWhatItIsSetTo) {
   EXPECT_EQ(static_cast<COLORREF>(Send(0x628)), GetSysColor(COLOR_BTNFACE));
   Send(0x627, 0, RGB(1, 2, 3));
   EXPECT_EQ(static_cast<COLORREF>(Send(0x628)), RGB(1, 2, 3));
-  EXPECT_EQ(Send(0x62A), 77);
+  EXPECT_EQ(Send(0x62A), kCreationParameter);
   Make(kFader);
   Send(kSetMinimum, 0, -60), Send(kSetMaximum, 0, 70000);
   EXPECT_EQ(Number(kSet, 1, 70001), 70001) << "stored as given";
@@ -143,9 +115,9 @@ TEST_F(SliderTest, ADragEndsOnceHoweverItEnds) {
       {"button", [this] { Mouse(WM_LBUTTONUP, 60); }, "H4=60 H8 "},
       {"capture", [this] { SetCapture(parent), ReleaseCapture(); }, "H4=60 H8 "},
       {"cancelled", [this] { Send(WM_CANCELMODE); }, "H4=60 H8 "},
-      {"disabled", [this] { EnableWindow(slider, FALSE); }, "H4=60 H8 "},
-      {"hidden", [this] { ShowWindow(slider, SW_HIDE); }, "H4=60 H8 "},
-      {"destroyed, which hides it first", [this] { DestroyWindow(slider); }, "H4=60 H8 "},
+      {"disabled", [this] { EnableWindow(control, FALSE); }, "H4=60 H8 "},
+      {"hidden", [this] { ShowWindow(control, SW_HIDE); }, "H4=60 H8 "},
+      {"destroyed, which hides it first", [this] { DestroyWindow(control); }, "H4=60 H8 "},
       {"Escape", [this] { Send(WM_KEYDOWN, VK_ESCAPE); }, "H8 "},
   };
   for (const auto& [how, end, ended] : cases) {
@@ -153,7 +125,7 @@ TEST_F(SliderTest, ADragEndsOnceHoweverItEnds) {
     Make(kTrackbar);
     Mouse(WM_LBUTTONDOWN, 50), Mouse(WM_MOUSEMOVE, 60);
     EXPECT_EQ(heard, "H9 H5=60 ");
-    EXPECT_EQ(GetCapture(), slider);
+    EXPECT_EQ(GetCapture(), control);
     SetFocus(parent);
     EXPECT_TRUE(Send(WM_GETDLGCODE) & DLGC_WANTALLKEYS);
     heard.clear();
@@ -162,11 +134,11 @@ TEST_F(SliderTest, ADragEndsOnceHoweverItEnds) {
     EXPECT_EQ(GetCapture(), nullptr);
     Mouse(WM_LBUTTONUP, 60), Send(WM_CAPTURECHANGED);
     EXPECT_EQ(heard, ended);
-    if (IsWindow(slider)) {
+    if (IsWindow(control)) {
       EXPECT_FALSE(Send(WM_GETDLGCODE) & DLGC_WANTALLKEYS);
-      heard.clear(), EnableWindow(slider, FALSE), Mouse(WM_LBUTTONDOWN, 10), Send(WM_MOUSEWHEEL, 120 << 16);
+      heard.clear(), EnableWindow(control, FALSE), Mouse(WM_LBUTTONDOWN, 10), Send(WM_MOUSEWHEEL, 120 << 16);
       EXPECT_EQ(heard, "") << "disabled";
-      DestroyWindow(slider);
+      DestroyWindow(control);
     }
   }
 }
@@ -174,15 +146,50 @@ TEST_F(SliderTest, ADragEndsOnceHoweverItEnds) {
 TEST_F(SliderTest, TellsOfKeysFocusAndPresses) {
   Make(kTrackbar, kNotifies);
   Send(kSetMaximum, 0, 500);
-  SetFocus(slider);
+  SetFocus(control);
   Send(WM_KEYDOWN, '5'), Send(WM_KEYUP, '5'), Send(WM_KEYDOWN, VK_RIGHT), SetFocus(parent);
-  EXPECT_EQ(heard, "C7.1 H4=250 H8 H1 H8 N-8 ");
+  EXPECT_EQ(heard, "C77.1 H4=250 H8 H1 H8 N-8 ");
   heard.clear(), Send(WM_KEYDOWN, VK_F1), Send(WM_KEYDOWN, VK_CLEAR);
   EXPECT_EQ(heard, "N-102=112 ");
   heard.clear(), Mouse(WM_LBUTTONDOWN, 80), Mouse(WM_LBUTTONUP, 80);
-  EXPECT_EQ(heard, "C7.1 C7.3 H9 H3 H8 C7.4 ");
+  EXPECT_EQ(heard, "C77.1 C77.3 H9 H3 H8 C77.4 ");
   Make(kFader, kVertical, 42, 120), Send(WM_MOUSEWHEEL, 120 << 16), Send(WM_KEYDOWN, VK_F1);
   EXPECT_EQ(heard, "V9 V2 V8 ");
+}
+
+TEST_F(SliderTest, TheRightButtonMakesFineStepsAndNoMenu) {
+  for (const bool is_fader : {false, true}) {
+    SCOPED_TRACE(is_fader);
+    const auto mouse = [&](UINT message, WPARAM keys, int pixel) {
+      Send(message, keys, MAKELPARAM((is_fader ? 8 : 6) + pixel, 12));
+    };
+    Make(is_fader ? kFader : kTrackbar, 0, is_fader ? 116 : 112);
+    mouse(WM_LBUTTONDOWN, MK_LBUTTON, 50), mouse(WM_MOUSEMOVE, MK_LBUTTON | MK_CONTROL, 60);
+    mouse(WM_RBUTTONDOWN, MK_LBUTTON | MK_RBUTTON, 60), heard.clear();
+    const int before = Number(kGet);
+    EXPECT_EQ(before, is_fader ? 60 : 55) << "Ctrl is a trackbar's";
+    mouse(WM_MOUSEMOVE, MK_LBUTTON | MK_RBUTTON, before + 3);
+    EXPECT_EQ(Number(kGet), before + 2);
+    mouse(WM_LBUTTONUP, MK_RBUTTON, 60), heard.clear(), mouse(WM_RBUTTONUP, 0, 60);
+    EXPECT_EQ(heard, "");
+    mouse(WM_RBUTTONDOWN, MK_RBUTTON, 60), mouse(WM_RBUTTONUP, 0, 60);
+    EXPECT_EQ(heard, "M ");
+    DestroyWindow(control);
+  }
+}
+
+TEST_F(SliderTest, TheCaretIsWhereTheThumbWasDrawn) {
+  Make(kTrackbar), SetFocus(control), UpdateWindow(control);
+  const auto caret = [] {
+    POINT place = {};
+    GetCaretPos(&place);
+    return place.x;
+  };
+  const LONG before = caret();
+  Send(kSet, 0, 80);
+  EXPECT_EQ(caret(), before);
+  Send(kSet, 1, 80);
+  EXPECT_EQ(caret(), before + 30);
 }
 
 TEST_F(SliderTest, AFaderOfTwoThumbs) {
@@ -206,24 +213,24 @@ TEST_F(SliderTest, MayBeDestroyedByWhoeverIsTold) {
       [this] { Mouse(WM_LBUTTONDBLCLK, 50), Mouse(WM_LBUTTONUP, 50); },
       [this] { Send(WM_MOUSEWHEEL, 480 << 16); },
       [this] { Send(WM_KEYDOWN, '7'), Send(WM_KEYUP, '7'), Send(WM_KEYDOWN, 'X'); },
-      [this] { SetFocus(slider), Send(WM_KEYDOWN, VK_HOME), SetFocus(parent); },
+      [this] { SetFocus(control), Send(WM_KEYDOWN, VK_HOME), SetFocus(parent); },
   };
   for (const auto& act : actions) {
     Make(kTrackbar, kNotifies), SetFocus(parent), heard.clear(), act();
     const auto count = std::ranges::count(heard, ' ');
-    DestroyWindow(slider);
+    DestroyWindow(control);
     for (int last = 1; last <= count; ++last) {
       std::string until_death;
       Make(kTrackbar, kNotifies), SetFocus(parent), heard.clear();
       on_hearing = [&, told = 0](const std::string&) mutable {
         if (++told != last) return;
-        DestroyWindow(slider);
+        DestroyWindow(control);
         until_death = heard;
       };
       act();
       on_hearing = [](const std::string&) {};
       EXPECT_EQ(heard, until_death);
-      EXPECT_FALSE(IsWindow(slider)) << heard;
+      EXPECT_FALSE(IsWindow(control)) << heard;
       EXPECT_EQ(GetCapture(), nullptr) << heard;
     }
   }
@@ -234,7 +241,7 @@ TEST_F(SliderTest, OddNumbersDoNoHarm) {
     for (const DWORD style : {DWORD{0}, kTapered, kTapered | kTwoThumbs | kVertical, kTwoThumbs}) {
       Make(name, style);
       for (UINT message = 0x600; message <= 0x640; ++message) {
-        ShowWindow(slider, SW_HIDE);  // nothing is drawn meanwhile
+        ShowWindow(control, SW_HIDE);  // nothing is drawn meanwhile
         for (const LPARAM number : {0, 1, 2, 0x7FFF, 0xFFFF, 0x30001, INT_MIN, INT_MAX, -1}) {
           const bool may_point = message == kSetThumb || message == kGetThumb;
           for (const WPARAM wparam : {WPARAM{0}, WPARAM{1}, WPARAM{0x20001}, WPARAM{0x30001}, ~WPARAM{0}}) {
@@ -242,44 +249,29 @@ TEST_F(SliderTest, OddNumbersDoNoHarm) {
             Send(message, wparam, is_pointer ? number & 0xFFFF : number);
           }
         }
-        ShowWindow(slider, SW_SHOW), UpdateWindow(slider);
+        ShowWindow(control, SW_SHOW), UpdateWindow(control);
         Send(WM_LBUTTONDOWN, 0, MAKELPARAM(-5, 500)), Send(WM_MOUSEMOVE, 0, MAKELPARAM(77, 77)), Send(WM_LBUTTONUP);
       }
-      EXPECT_TRUE(DestroyWindow(slider));
+      EXPECT_TRUE(DestroyWindow(control));
     }
   }
 }
 
 TEST_F(SliderTest, FiveHundredAtOnceKeepApart) {
   std::vector<HWND> sliders;
-  for (int i = 0; i < 500; ++i) {
-    sliders.push_back(Make(i % 2 ? kTrackbar : kFader));
-    Send(kSet, 1, i % 100);
-  }
+  for (int i = 0; i < 500; ++i) sliders.push_back(Make(i % 2 ? kTrackbar : kFader)), Send(kSet, 1, i % 100);
   for (int i = 0; i < 500; ++i) EXPECT_EQ(SendMessageW(sliders[i], kGet, 0, 0), i % 100);
 }
 
 TEST_F(SliderTest, ScreenReadersReadIt) {
   Make(kTrackbar);
-  ComPtr<IAccessible> accessible;
-  ASSERT_EQ(
-      AccessibleObjectFromWindow(slider, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible), accessible.PutVoid()),
-      S_OK);
-  VARIANT self = {};
-  self.vt = VT_I4;
-  const auto value = [&] {
-    BSTR text = nullptr;
-    EXPECT_EQ(accessible->get_accValue(self, &text), S_OK);
-    const std::wstring copy = text ? text : L"";
-    SysFreeString(text);
-    return copy;
-  };
-  EXPECT_EQ(value(), L"50");
-  SetWindowTextW(slider, L"70 %");
-  EXPECT_EQ(value(), L"70 %");
-  DestroyWindow(slider);
+  const ComPtr<IAccessible> accessible = Accessible();
+  EXPECT_EQ(Text(accessible, &IAccessible::get_accValue), L"50");
+  SetWindowTextW(control, L"70 %");
+  EXPECT_EQ(Text(accessible, &IAccessible::get_accValue), L"70 %");
+  DestroyWindow(control);
   BSTR text = nullptr;
-  EXPECT_EQ(accessible->get_accValue(self, &text), CO_E_OBJNOTCONNECTED);
+  EXPECT_EQ(accessible->get_accValue(Part(0), &text), CO_E_OBJNOTCONNECTED);
 }
 
 }  // namespace

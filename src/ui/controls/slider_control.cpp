@@ -81,9 +81,8 @@ LRESULT SliderControl::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_LBUTTONDBLCLK: return OnButton(message, lparam);
     case WM_LBUTTONUP: return gestures_.Release(), 0;
     case WM_RBUTTONDOWN:
-    case WM_RBUTTONUP:
-      if (gestures_.IsPressed()) return 0;  // the button for fine steps asks for no menu
-      break;
+    case WM_RBUTTONDBLCLK:
+    case WM_RBUTTONUP: return OnRightButton(message, wparam, lparam);
     case WM_MOUSEMOVE: return OnMouseMove(wparam, lparam);
     case WM_MOUSELEAVE: return SetHotThumb(-1);
     case WM_MOUSEWHEEL: return OnWheel(wparam);
@@ -126,13 +125,14 @@ LRESULT SliderControl::OnPaint() {
                  .hot_thumb = hot_thumb_,
                  .is_plain = is_plain_,
                  .has_ticks = has_ticks_ || IsFader()});
+    painted_pixels_ = slider_.ThumbPixels();
   });
+  PlaceCaret();  // it moves with the picture
   return 0;
 }
 
 LRESULT SliderControl::OnSize() {
   LayOut();
-  PlaceCaret();
   Invalidate();
   return 0;
 }
@@ -190,9 +190,18 @@ LRESULT SliderControl::OnButton(UINT message, LPARAM lparam) {
   return 0;
 }
 
+LRESULT SliderControl::OnRightButton(UINT message, WPARAM wparam, LPARAM lparam) {
+  const bool was_own = std::exchange(owns_right_button_, message != WM_RBUTTONUP && gestures_.IsPressed());
+  const bool is_release_of_own = was_own && message == WM_RBUTTONUP;
+  return is_release_of_own || gestures_.IsPressed() ? 0 : Default(message, wparam, lparam);
+}
+
+// On a fader, the right button counts when it was pressed during the drag.
 LRESULT SliderControl::OnMouseMove(WPARAM wparam, LPARAM lparam) {
   const Point cursor = PointFrom(lparam);
-  gestures_.Move(cursor, (wparam & (MK_CONTROL | MK_RBUTTON)) != 0);
+  const bool is_right_down = (wparam & MK_RBUTTON) != 0;
+  if (!IsFader() && is_right_down && gestures_.DraggedThumb() >= 0) owns_right_button_ = true;
+  gestures_.Move(cursor, (is_right_down && owns_right_button_) || (!IsFader() && (wparam & MK_CONTROL) != 0));
   return IsAlive() ? SetHotThumb(slider_.ThumbUnder(cursor)) : 0;
 }
 

@@ -43,6 +43,7 @@ class SliderControl : public ControlWindow, private SliderSink {
   LRESULT OnDestroy();
   LRESULT OnKeyDown(WPARAM wparam, LPARAM lparam);
   LRESULT OnButton(UINT message, LPARAM lparam);
+  LRESULT OnRightButton(UINT message, WPARAM wparam, LPARAM lparam);
   LRESULT OnMouseMove(WPARAM wparam, LPARAM lparam);
   LRESULT SetHotThumb(int thumb);
   LRESULT OnWheel(WPARAM wparam);
@@ -57,7 +58,7 @@ class SliderControl : public ControlWindow, private SliderSink {
   LRESULT SetThumb(int thumb, bool redraws, LPARAM lparam);
   LRESULT GetThumb(int thumb, LPARAM lparam) const;
   LRESULT SetUp(const FaderSetUp* set_up);
-  // Draws when the thumb moves and the caller wants it.
+  // Draws when a thumb is elsewhere than in the picture and the caller wants it.
   void ShowPositions(const ThumbPositions& positions, bool redraws);
 
   bool IsFader() const { return slider_.kind == SliderKind::kFader; }
@@ -75,10 +76,12 @@ class SliderControl : public ControlWindow, private SliderSink {
   std::optional<Colour> background_;  // none: that of buttons
   bool is_plain_ = false;
   bool has_ticks_ = false;
-  int hot_thumb_ = -1;  // under the cursor
+  int hot_thumb_ = -1;              // under the cursor
+  bool owns_right_button_ = false;  // it was pressed for fine steps, and its release asks for no menu
   int dpi_;
   SliderState slider_;
   ThumbPositions announced_ = slider_.positions;
+  ThumbPositions painted_pixels_ = {};
   SliderGestures gestures_;
   BackBuffer buffer_;
 };

@@ -34,8 +34,8 @@ std::optional<LRESULT> SliderControl::OnSliderMessage(UINT message, WPARAM wpara
 std::optional<LRESULT> SliderControl::OnTrackbarMessage(UINT message, WPARAM wparam, LPARAM lparam) {
   switch (message) {
     case kTrackbarGetMetrics: {
-      const Rect& channel = slider_.layout.channel;
-      return MAKELRESULT(slider_.layout.track_px, slider_.layout.is_vertical ? channel.top : channel.left);
+      const SliderLayout& layout = slider_.layout;
+      return MAKELRESULT(layout.track_px, layout.is_vertical ? layout.channel.left : layout.track_start);
     }
     case kTrackbarSetPlainChannel:
     case kTrackbarSetTicks:
@@ -65,21 +65,14 @@ std::optional<LRESULT> SliderControl::OnFaderMessage(UINT message, WPARAM wparam
 
 LRESULT SliderControl::SetRange(int minimum, int maximum) {
   slider_.SetRange(minimum, maximum);
-  PlaceCaret();
   Redraw();
+  AnnounceMoves();
   return 0;
 }
 
 void SliderControl::ShowPositions(const ThumbPositions& positions, bool redraws) {
-  if (positions == slider_.positions) return;
-  const SliderState before = slider_;
   slider_.positions = positions;
-  bool moves = false;
-  for (int thumb = 0; thumb < slider_.thumb_count; ++thumb) {
-    moves |= before.ThumbPixel(thumb) != slider_.ThumbPixel(thumb);
-  }
-  if (moves) PlaceCaret();
-  if (moves && redraws && !HasStyle(kSliderNoRepaint)) Redraw();
+  if (redraws && !HasStyle(kSliderNoRepaint) && painted_pixels_ != slider_.ThumbPixels()) Redraw();
   AnnounceMoves();
 }
 
@@ -117,8 +110,8 @@ LRESULT SliderControl::SetUp(const FaderSetUp* set_up) {
   std::copy_n(set_up->positions, kMaxThumbs, slider_.positions.begin());
   style_ = (style_ & ~set_up->style_mask) | (set_up->style & set_up->style_mask);
   ApplyStyle();
-  PlaceCaret();
   Redraw();
+  AnnounceMoves();
   return 0;
 }
 

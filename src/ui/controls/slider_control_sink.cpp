@@ -37,7 +37,6 @@ void SliderControl::TellPressed(bool is_pressed) {
 
 void SliderControl::ThumbsChanged() {
   if (!IsAlive()) return;
-  PlaceCaret();
   Redraw();
   AnnounceMoves();
 }

@@ -42,6 +42,16 @@ SliderGestures::Part SliderGestures::PartUnder(Point p) const {
   return state_.layout.PixelAt(p) < state_.ThumbPixel(reference) ? Part::kBelow : Part::kAbove;
 }
 
+bool SliderGestures::TellPress() {
+  Release();
+  is_beginning_ = true;
+  ReleaseKey();
+  sink_.TellPressed(true);
+  if (std::exchange(is_beginning_, false)) return true;
+  sink_.TellPressed(false);
+  return false;
+}
+
 void SliderGestures::BeginPress(Part part) {
   part_ = part;
   sink_.HoldMouse(true);
@@ -50,10 +60,9 @@ void SliderGestures::BeginPress(Part part) {
 }
 
 void SliderGestures::Press(Point p) {
-  Release();
-  sink_.TellPressed(true);
+  if (!TellPress()) return;
   const Part part = PartUnder(p);
-  cursor_ = p;
+  pressed_at_ = cursor_ = p;
   if (part == Part::kThumb) {
     thumb_ = state_.ThumbUnder(p);
     if (!state_.IsPicked(thumb_)) state_.picked_thumbs = 1U << thumb_;
@@ -69,15 +78,15 @@ void SliderGestures::Press(Point p) {
 void SliderGestures::DoubleClick(Point p) {
   const int thumb = state_.ThumbUnder(p);
   if (thumb < 0) return Press(p);
-  Release();
-  sink_.TellPressed(true);
+  if (!TellPress()) return;
   state_.MovePicked(thumb, state_.default_position);
   BeginPress(Part::kSpent);
   sink_.Tell(ScrollCode::kThumbPosition);
 }
 
 void SliderGestures::Repeat() {
-  if ((part_ != Part::kBelow && part_ != Part::kAbove) || PartUnder(cursor_) != part_) return;
+  if (part_ != Part::kBelow && part_ != Part::kAbove) return;
+  if (!state_.layout.client.Contains(cursor_) || PartUnder(cursor_) != part_) return;
   Step(Towards(part_ == Part::kAbove, ScrollCode::kPageUp, ScrollCode::kPageDown));
 }
 
@@ -91,14 +100,16 @@ int SliderGestures::Followed(int pixel) const {
 void SliderGestures::Move(Point p, bool is_fine) {
   const int pixel = state_.layout.PixelAt(p);
   const int moved_px = pixel - state_.layout.PixelAt(std::exchange(cursor_, p));
-  if (part_ != Part::kThumb || moved_px == 0) return;
+  if (part_ != Part::kThumb) return;
   const int before = state_.positions[thumb_];
-  const int fine_steps = (moved_px + (moved_px < 0 ? -1 : 1)) / 2;
-  state_.MovePicked(thumb_,
-                    is_fine ? state_.scale.Clamped(std::int64_t{before} + fine_steps) : Followed(pixel - offset_px_));
+  if (moved_px != 0) {
+    const int fine_steps = (moved_px + (moved_px < 0 ? -1 : 1)) / 2;
+    state_.MovePicked(thumb_,
+                      is_fine ? state_.scale.Clamped(std::int64_t{before} + fine_steps) : Followed(pixel - offset_px_));
+  }
   if (is_fine) {
-    cursor_ = state_.layout.MovedTo(p, state_.ThumbPixel(thumb_) + offset_px_);
-    sink_.PutCursor(cursor_);
+    cursor_ = state_.layout.MovedTo(pressed_at_, state_.ThumbPixel(thumb_) + offset_px_);
+    if (cursor_ != p) sink_.PutCursor(cursor_);
   }
   if (state_.positions[thumb_] == before) return;
   sink_.ThumbsChanged();
@@ -107,6 +118,7 @@ void SliderGestures::Move(Point p, bool is_fine) {
 
 // The press is over before anybody hears of it: what they do may come back here.
 void SliderGestures::EndPress(bool puts_back) {
+  is_beginning_ = false;
   if (!IsPressed()) return;
   const bool was_drag = part_ == Part::kThumb;
   part_ = Part::kNone;

@@ -63,6 +63,8 @@ class SliderGestures {
   };
 
   Part PartUnder(Point p) const;
+  // True when whoever hears of it leaves the slider as usable as it was.
+  bool TellPress();
   void BeginPress(Part part);
   void EndPress(bool puts_back);
   int Followed(int pixel) const;
@@ -77,7 +79,9 @@ class SliderGestures {
   Part part_ = Part::kNone;
   int thumb_ = 0;
   ThumbPositions start_positions_ = {};
-  int offset_px_ = 0;  // of the cursor from the middle of the thumb, along the track
+  bool is_beginning_ = false;  // the press is being told
+  int offset_px_ = 0;          // of the cursor from the middle of the thumb, along the track
+  Point pressed_at_ = {};
   Point cursor_ = {};  // where it was last
   int held_key_ = 0;   // whose release ends the action; 0: none
 };

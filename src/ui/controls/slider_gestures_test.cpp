@@ -33,7 +33,9 @@ class FakeWindow : public SliderSink {
                    ? ScrolledFader(state.scale, position, code, steps)
                    : ScrolledTrackbar(state.scale, position, code, steps, state.layout.is_vertical);
   }
-  void TellPressed(bool) override {}
+  void TellPressed(bool is_pressed) override {
+    if (is_pressed && disables_when_pressed) gestures.Interrupt();
+  }
   void ThumbsChanged() override {}
   void HoldMouse(bool holds) override {
     holds_mouse = holds;
@@ -41,7 +43,10 @@ class FakeWindow : public SliderSink {
   }
   void RunRepeatTimer(bool runs) override { timer_runs = runs; }
   void ShowFocusCaret(bool shows) override { shows_caret = shows; }
-  void PutCursor(Point client) override { heard += " cursor" + std::to_string(client.x - kTrackStart); }
+  void PutCursor(Point client) override {
+    heard += " cursor" + std::to_string(client.x - kTrackStart);
+    EXPECT_EQ(client.y, At(0).y) << "on the thumb";
+  }
 
   // Along the track of a horizontal trackbar.
   void Press(int pixel) { gestures.Press(At(pixel)); }
@@ -51,7 +56,7 @@ class FakeWindow : public SliderSink {
   SliderState state;
   SliderGestures gestures{state, *this};
   std::string heard;
-  bool holds_mouse = false, timer_runs = false, shows_caret = true;
+  bool holds_mouse = false, timer_runs = false, shows_caret = true, disables_when_pressed = false;
 };
 
 TEST(SliderGestures, MouseTellsInOrderAndLetsGo) {
@@ -88,7 +93,9 @@ TEST(SliderGestures, MouseTellsInOrderAndLetsGo) {
                 " 9 3 3 8"},  // the thumb covers 65 to 75 then
            Case{"channel, the cursor away and back",
                 [](FakeWindow& w) {
-                  w.Press(10), w.Move(90), w.gestures.Repeat(), w.Move(0), w.gestures.Repeat(), w.gestures.Release();
+                  w.Press(10), w.Move(90), w.gestures.Repeat();
+                  w.gestures.Move({kTrackStart, 24}, false), w.gestures.Repeat();  // below the window
+                  w.Move(0), w.gestures.Repeat(), w.gestures.Release();
                 },
                 " 9 2 2 8"},
            Case{"double click",
@@ -100,8 +107,16 @@ TEST(SliderGestures, MouseTellsInOrderAndLetsGo) {
            Case{"double click on the channel",
                 [](FakeWindow& w) { w.gestures.DoubleClick(FakeWindow::At(90)), w.gestures.Release(); }, " 9 3 8"},
            Case{"fine steps",
-                [](FakeWindow& w) { w.Press(51), w.Move(54, true), w.Move(49, true), w.gestures.Release(); },
-                " 9 cursor53 5=52 cursor51 5=50 4=50 8"},  // (3 + 1) / 2, then from 53 (-4 - 1) / 2
+                [](FakeWindow& w) {
+                  w.Press(51), w.Move(54, true), w.Move(49, true);
+                  w.gestures.Move({FakeWindow::At(51).x, 20}, true), w.gestures.Release();
+                },
+                " 9 cursor53 5=52 cursor51 5=50 cursor51 4=50 8"},  // (3 + 1) / 2, then from 53 (-4 - 1) / 2
+           Case{"disabled by whoever hears of the press",
+                [](FakeWindow& w) { w.disables_when_pressed = true, w.Press(50), w.gestures.DoubleClick(w.At(50)); },
+                ""},
+           Case{"press while a key is held",
+                [](FakeWindow& w) { w.gestures.KeyDown(0x25), w.Press(49), w.gestures.Release(); }, " 0 8 9 4=49 8"},
            Case{"wheel", [](FakeWindow& w) { w.gestures.Wheel(2 * 120 + 119, false); }, " 9 3 3 8"},
            Case{"wheel with Ctrl", [](FakeWindow& w) { w.gestures.Wheel(-120, true); }, " 9 0 8"},
        }) {

@@ -22,12 +22,14 @@ inline constexpr DWORD kSliderNotifyFocus = 0x8000;  // WM_COMMAND for focus, pr
 inline constexpr UINT kSliderGetPosition = 0x60A;
 inline constexpr UINT kSliderGetMinimum = 0x60B;
 inline constexpr UINT kSliderGetMaximum = 0x60C;
-inline constexpr UINT kSliderSetRange = 0x60D;      // lParam: minimum, maximum as signed words
-inline constexpr UINT kSliderSetMinimum = 0x60E;    // lParam
-inline constexpr UINT kSliderSetMaximum = 0x60F;    // lParam
-inline constexpr UINT kSliderSetPosition = 0x610;   // wParam: redraw if the thumb moves; lParam: the position
-inline constexpr UINT kSliderSetDefault = 0x611;    // lParam: where a double click leads
-inline constexpr UINT kTrackbarGetMetrics = 0x61E;  // low word: track length; high word: start of the channel; pixels
+inline constexpr UINT kSliderSetRange = 0x60D;     // lParam: minimum, maximum as signed words
+inline constexpr UINT kSliderSetMinimum = 0x60E;   // lParam
+inline constexpr UINT kSliderSetMaximum = 0x60F;   // lParam
+inline constexpr UINT kSliderSetPosition = 0x610;  // wParam: redraw if the thumb moves; lParam: the position
+inline constexpr UINT kSliderSetDefault = 0x611;   // lParam: where a double click leads
+// Low word: length of the track in pixels; high word: what labels are placed by, the start of the track, or the left
+// edge of a vertical channel.
+inline constexpr UINT kTrackbarGetMetrics = 0x61E;
 // Drawing switches. wParam: redraw; lParam, bit 0: on. They answer -1 when they are on.
 inline constexpr UINT kTrackbarSetPlainChannel = 0x61F;  // nothing of the channel is filled
 inline constexpr UINT kTrackbarSetTicks = 0x620;         // marks beside the channel

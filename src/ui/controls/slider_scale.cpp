@@ -15,7 +15,7 @@ std::int64_t RoundedQuotient(std::int64_t number, std::int64_t divisor) {
 }  // namespace
 
 int SliderScale::Clamped(std::int64_t position) const {
-  return static_cast<int>(std::min(std::max(position, std::int64_t{minimum}), std::int64_t{maximum}));
+  return static_cast<int>(std::max(std::min(position, std::int64_t{maximum}), std::int64_t{minimum}));
 }
 
 int SliderScale::DefaultPosition() const {

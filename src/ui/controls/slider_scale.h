@@ -7,7 +7,8 @@
 
 namespace tervan::ui {
 
-// Every pair of ends is allowed; a range whose maximum does not lie above its minimum has one place only, the start.
+// Every pair of ends is allowed; a range whose maximum does not lie above its minimum holds the minimum alone, at the
+// start of the track.
 struct SliderScale {
   int minimum = 0;
   int maximum = 100;

@@ -77,6 +77,10 @@ TEST(SliderScale, HoldsAnyRange) {
     SCOPED_TRACE(testing::Message() << scale.minimum << ".." << scale.maximum << " on " << track_px);
     const int pixel = scale.PixelOf(number(), track_px);
     ASSERT_TRUE(pixel >= 0 && pixel <= std::max(track_px, 0)) << pixel;
+    if (scale.minimum >= scale.maximum) {
+      ASSERT_EQ(scale.Clamped(number()), scale.minimum);
+      ASSERT_EQ(scale.PositionAt(pixel, track_px), scale.minimum);
+    }
     if (scale.minimum >= scale.maximum || track_px <= 0) continue;
     const int position = scale.PositionAt(pixel, track_px);
     ASSERT_TRUE(position >= scale.minimum && position <= scale.maximum) << position;

@@ -24,6 +24,7 @@ struct SliderState {
 
   bool IsPicked(int thumb) const { return (picked_thumbs >> thumb & 1) != 0; }
   int ThumbPixel(int thumb) const { return scale.PixelOf(positions[thumb], layout.track_px); }
+  ThumbPositions ThumbPixels() const { return {ThumbPixel(0), ThumbPixel(1)}; }
   Rect ThumbRect(int thumb) const { return layout.ThumbAt(ThumbPixel(thumb), thumb, thumb_count); }
   // The thumb there, or -1.
   int ThumbUnder(Point p) const;
