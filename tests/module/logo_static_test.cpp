@@ -2,13 +2,12 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <oleacc.h>
 
 #include <cstring>
 #include <random>
 #include <string>
 
-#include "module/module.h"
+#include "module/control_rig.h"
 #include "ui/controls/logo_messages.h"
 #include "ui/controls/static_messages.h"
 #include "ui/geometry.h"
@@ -18,30 +17,14 @@ namespace {
 
 using namespace tervan::ui;
 
-constexpr int kOwnId = 77;
 constexpr Size kClient{400, 26};
 constexpr LPARAM kPicture = MAKELPARAM(5, 13);
 constexpr LPARAM kOutside = MAKELPARAM(5, -3);
 
-class ControlTest : public testing::Test {
+class LogoStaticTest : public ControlTest {
  protected:
-  void SetUp() override {
-    WNDCLASSW window_class = {};
-    window_class.lpfnWndProc = ParentProc;
-    window_class.lpszClassName = L"logo_static_test";
-    RegisterClassW(&window_class);
-    parent = CreateWindowW(L"logo_static_test", L"", WS_POPUP, 0, 0, 500, 100, nullptr, nullptr, nullptr, this);
-    SetWindowLongPtrW(parent, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-  }
-  void TearDown() override { DestroyWindow(parent); }
-
   void Make(const wchar_t* class_name, DWORD style = 0) {
-    control = CreateWindowW(class_name, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, kClient.width, kClient.height, parent,
-                            reinterpret_cast<HMENU>(INT_PTR{kOwnId}), TheModule(), nullptr);
-    ASSERT_NE(control, nullptr);
-  }
-  LRESULT Send(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
-    return SendMessageW(control, message, wparam, lparam);
+    ControlTest::Make(class_name, style, kClient.width, kClient.height);
   }
   LRESULT AddText(int id, const char* text) { return Send(kLogoAddText, id, reinterpret_cast<LPARAM>(text)); }
 
@@ -67,28 +50,22 @@ class ControlTest : public testing::Test {
   }
   std::vector<int> Key(WPARAM key) { return Send(WM_KEYDOWN, key), Posted(); }
 
-  HWND parent = nullptr;
-  HWND control = nullptr;
   int link_clicks = 0;
   bool destroys_on_click = false;
 
  private:
-  static LRESULT CALLBACK ParentProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    auto* const test = reinterpret_cast<ControlTest*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (message == WM_NOTIFY && test) {
-      const auto& header = *reinterpret_cast<const NMHDR*>(lparam);
-      test->link_clicks +=
-          header.code == kNotifyLink && header.hwndFrom == test->control && header.idFrom == kOwnId && wparam == kOwnId;
-      if (test->destroys_on_click) DestroyWindow(test->control);
-    }
-    return DefWindowProcW(window, message, wparam, lparam);
+  void Hear(UINT message, WPARAM wparam, LPARAM lparam) override {
+    if (message != WM_NOTIFY) return;
+    const auto& header = *reinterpret_cast<const NMHDR*>(lparam);
+    link_clicks += header.code == kNotifyLink && header.hwndFrom == control && header.idFrom == kId && wparam == kId;
+    if (destroys_on_click) DestroyWindow(control);
   }
 };
 
-class LogoStripTest : public ControlTest {
+class LogoStripTest : public LogoStaticTest {
  protected:
   void SetUp() override {
-    ControlTest::SetUp();
+    LogoStaticTest::SetUp();
     Make(kLogoClassName);
     SetWindowTextW(control, L"Dither ");
   }
@@ -156,7 +133,7 @@ TEST_F(LogoStripTest, PostsACommandForAClickThatEndsWhereItBegan) {
 TEST_F(LogoStripTest, PictureBelongsToTheParentWithoutATextAndToTheStripInAMode) {
   EXPECT_EQ(Drag(kPicture, kPicture), std::vector<int>{});
   Send(kLogoSetMode, 1);
-  EXPECT_EQ(Drag(kPicture, kPicture), std::vector<int>{kOwnId});
+  EXPECT_EQ(Drag(kPicture, kPicture), std::vector<int>{kId});
   SetWindowTextW(control, L"");
   EXPECT_EQ(Drag(kPicture, kPicture), std::vector<int>{kLogoPictureClicked});
   EXPECT_EQ(Drag(kPicture, kOutside), std::vector<int>{});
@@ -170,51 +147,44 @@ TEST_F(LogoStripTest, KeysMoveAmongItemsAndPressThem) {
     Key(key);
     EXPECT_EQ(Key(VK_SPACE), std::vector<int>{pressed});
   }
-  EXPECT_EQ(Key(VK_RETURN), std::vector<int>{1});
-  Send(kLogoEnableItem, 1, 0);
-  EXPECT_EQ(Key(VK_RETURN), std::vector<int>{});
+  EXPECT_EQ(Key(VK_RETURN), std::vector<int>{}) << "the dialog's";
   MSG enter = {control, WM_KEYDOWN, VK_RETURN, 0, 0, {}};
-  EXPECT_EQ(Send(WM_GETDLGCODE, VK_RETURN, reinterpret_cast<LPARAM>(&enter)), DLGC_WANTARROWS | DLGC_WANTALLKEYS);
-  EXPECT_EQ(Send(WM_GETDLGCODE), DLGC_WANTARROWS);
+  EXPECT_EQ(Send(WM_GETDLGCODE, VK_RETURN, reinterpret_cast<LPARAM>(&enter)), DLGC_WANTARROWS);
+  Send(kLogoEnableItem, 1, 0);
+  EXPECT_EQ(Key(VK_SPACE), std::vector<int>{});
 }
 
 TEST_F(LogoStripTest, TellsScreenReadersOfItsItems) {
   Send(kLogoAddButton, 41003, 1);
   AddText(41000, "?");
   Send(kLogoEnableItem, 41000, 0);
-  ComPtr<IAccessible> accessible;
-  ASSERT_EQ(AccessibleObjectFromWindow(control, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
-                                       accessible.PutVoid()),
-            S_OK);
-  struct Part {
+  const ComPtr<IAccessible> accessible = Accessible();
+  struct Row {
     LONG part;
     std::wstring name;
     LONG role;
     LONG state;
   };
   for (const auto& [part, name, role, state] :
-       {Part{0, L"Dither", ROLE_SYSTEM_TOOLBAR, 0}, Part{1, L"Bypass", ROLE_SYSTEM_CHECKBUTTON, STATE_SYSTEM_CHECKED},
-        Part{2, L"Help", ROLE_SYSTEM_PUSHBUTTON, STATE_SYSTEM_UNAVAILABLE}}) {
+       {Row{0, L"Dither", ROLE_SYSTEM_TOOLBAR, 0}, Row{1, L"Bypass", ROLE_SYSTEM_CHECKBUTTON, STATE_SYSTEM_CHECKED},
+        Row{2, L"Help", ROLE_SYSTEM_PUSHBUTTON, STATE_SYSTEM_UNAVAILABLE}}) {
     SCOPED_TRACE(part);
-    VARIANT child = {};
-    child.vt = VT_I4;
-    child.lVal = part;
-    BSTR text = nullptr;
     VARIANT number = {};
-    EXPECT_EQ(accessible->get_accName(child, &text), S_OK);
-    EXPECT_EQ(std::wstring(text ? text : L""), name);
-    SysFreeString(text);
-    EXPECT_EQ(accessible->get_accRole(child, &number), S_OK);
+    EXPECT_EQ(Text(accessible, &IAccessible::get_accName, part), name);
+    EXPECT_EQ(accessible->get_accRole(Part(part), &number), S_OK);
     EXPECT_EQ(number.lVal, role);
-    EXPECT_EQ(accessible->get_accState(child, &number), S_OK);
+    EXPECT_EQ(accessible->get_accState(Part(part), &number), S_OK);
     EXPECT_EQ(number.lVal & (STATE_SYSTEM_CHECKED | STATE_SYSTEM_UNAVAILABLE), state);
-    accessible->accDoDefaultAction(child);
+    accessible->accDoDefaultAction(Part(part));
   }
   EXPECT_EQ(Posted(), std::vector<int>{41003});
+  EnableWindow(control, FALSE);
+  Send(kLogoSetMode, 1), Send(WM_LBUTTONDOWN, 0, kPicture), Send(WM_LBUTTONUP, 0, kPicture);
+  accessible->accDoDefaultAction(Part(1)), Send(WM_KEYDOWN, VK_SPACE);
+  EXPECT_EQ(Posted(), std::vector<int>{}) << "a disabled strip";
 }
 
-TEST_F(ControlTest, SurvivesAnyNumbersAndManyLives) {
-  ShowWindow(parent, SW_SHOWNOACTIVATE);  // so that they paint
+TEST_F(LogoStaticTest, SurvivesAnyNumbersAndManyLives) {
   std::mt19937 random(1);
   for (int i = 0; i < 500; ++i) {
     Make(i % 2 == 0 ? kStaticClassName : kLogoClassName);
@@ -230,13 +200,13 @@ TEST_F(ControlTest, SurvivesAnyNumbersAndManyLives) {
   }
 }
 
-using StaticControlTest = ControlTest;
+using StaticControlTest = LogoStaticTest;
 
 // Eight pixels of one red palette entry, on a line.
-HGLOBAL RedDib() {
+HGLOBAL RedDib(DWORD compression = BI_RGB) {
   const HGLOBAL dib = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, sizeof(BITMAPINFOHEADER) + 4 + 8);
   auto* const bytes = static_cast<std::uint8_t*>(GlobalLock(dib));
-  const BITMAPINFOHEADER header = {sizeof header, 8, 1, 1, 8, BI_RGB, 0, 0, 0, 1, 0};
+  const BITMAPINFOHEADER header = {sizeof header, 8, 1, 1, 8, compression, 0, 0, 0, 1, 0};
   std::memcpy(bytes, &header, sizeof header);
   bytes[sizeof header + 2] = 0xFF;
   GlobalUnlock(dib);
@@ -259,12 +229,13 @@ TEST_F(StaticControlTest, OwnsItsPicturesAndDeletesEachOnce) {
   const HBITMAP last = CreateBitmap(4, 4, 1, 32, nullptr);
   Send(kStaticSetBitmap, 0, reinterpret_cast<LPARAM>(last));
   EXPECT_EQ(GlobalSize(dib), 0u);
-  DestroyWindow(control);
+  const HGLOBAL undrawable = RedDib(BI_RLE8);
+  EXPECT_EQ(Send(kStaticSetDib, 0, reinterpret_cast<LPARAM>(undrawable)), FALSE);
+  EXPECT_EQ(GlobalSize(undrawable), 0u);
   EXPECT_EQ(GetObjectType(last), 0u);
 }
 
 TEST_F(StaticControlTest, DrawsAPictureAtItsSizeOrStretchedWithItsPalette) {
-  ShowWindow(parent, SW_SHOWNOACTIVATE);
   for (const DWORD style : {DWORD{0}, kStaticStretch}) {
     SCOPED_TRACE(style);
     Make(kStaticClassName, style);
@@ -275,6 +246,20 @@ TEST_F(StaticControlTest, DrawsAPictureAtItsSizeOrStretchedWithItsPalette) {
     EXPECT_EQ(GetPixel(dc, 200, 20), style != 0 ? RGB(255, 0, 0) : GetSysColor(COLOR_BTNFACE));
     ReleaseDC(control, dc);
     DestroyWindow(control);
+  }
+}
+
+TEST_F(StaticControlTest, ATransparentTextLeavesNothingBehind) {
+  Make(kStaticClassName, kStaticTransparent);
+  for (const auto& [text, is_seen] : {std::pair{L"WWW", true}, {L"", false}}) {
+    SetWindowTextW(control, text);
+    UpdateWindow(control);
+    const HDC dc = GetDC(control);
+    int differences = 0;
+    for (int i = 0; i < 30 * 12; ++i) differences += GetPixel(dc, i % 30, i / 30) != GetPixel(dc, 200, 20);
+    EXPECT_EQ(GetPixel(dc, 200, 20), RGB(64, 64, 64)) << "the parent's background";
+    ReleaseDC(control, dc);
+    EXPECT_EQ(differences != 0, is_seen);
   }
 }
 

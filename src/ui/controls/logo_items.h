@@ -23,8 +23,8 @@ class LogoItems {
   void AddText(int id, std::wstring_view text);
   void AddButton(int id, bool is_on) { items_.push_back({.is_text = false, .id = id, .text = {}, .is_on = is_on}); }
   // The number of the first item of this id, counted from 0; -1: there is none.
-  int Find(int id) const;
-  int FindButton(int id) const;
+  int Find(int id) const { return Lookup(id, true); }
+  int FindButton(int id) const { return Lookup(id, false); }
   // True when it was not so before. Only image buttons are on or off.
   bool SetOn(int number, bool is_on) { return std::exchange(items_[number].is_on, is_on) != is_on; }
   bool SetEnabled(int number, bool is_enabled) {
@@ -39,6 +39,8 @@ class LogoItems {
   static constexpr std::size_t kLongestText = 63;
 
  private:
+  int Lookup(int id, bool with_texts) const;
+
   std::vector<LogoItem> items_;
 };
 

@@ -61,7 +61,10 @@ LRESULT LogoStrip::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_PAINT: OnPaint(); return 0;
     case WM_ERASEBKGND: return 1;
     case WM_MOUSEMOVE: OnMove(PointFrom(lparam)); return 0;
-    case WM_TIMER: OnTick(); return 0;
+    case WM_TIMER:
+      if (wparam != kHoverTimer) break;
+      OnTick();
+      return 0;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK: OnPress(PointFrom(lparam)); return 0;
     case WM_LBUTTONUP: OnRelease(PointFrom(lparam)); return 0;
@@ -69,7 +72,7 @@ LRESULT LogoStrip::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_SETCURSOR:
       if (LOWORD(lparam) == HTCLIENT && OnSetCursor()) return TRUE;
       break;
-    case WM_GETDLGCODE: return KeysWanted(reinterpret_cast<const MSG*>(lparam));
+    case WM_GETDLGCODE: return items_.Count() != 0 ? DLGC_WANTARROWS : DLGC_STATIC;
     case WM_KEYDOWN:
       if (OnKey(wparam)) return 0;
       break;
@@ -208,10 +211,13 @@ void LogoStrip::SetHot(LogoHit hot) {
 }
 
 bool LogoStrip::IsPressable(LogoHit hit) const {
-  return hit.part == LogoPart::kPicture || (hit.part == LogoPart::kItem && items_[hit.item].is_enabled);
+  if (!IsWindowEnabled(window())) return false;
+  if (hit.part == LogoPart::kPicture) return true;
+  return hit.part == LogoPart::kItem && hit.item < items_.Count() && items_[hit.item].is_enabled;
 }
 
 void LogoStrip::OnPress(Point point) {
+  if (!IsWindowEnabled(window())) return;
   SetCapture(window());
   const LogoHit hit = HitLogo(layout_, point);
   SetHot(hit);
@@ -241,13 +247,6 @@ bool LogoStrip::OnSetCursor() const {
   return true;
 }
 
-// Enter is the dialog's unless an item has the focus.
-LRESULT LogoStrip::KeysWanted(const MSG* message) const {
-  if (items_.Count() == 0) return DLGC_STATIC;
-  const bool is_enter = message && message->wParam == VK_RETURN;
-  return DLGC_WANTARROWS | (is_enter ? DLGC_WANTALLKEYS : 0);
-}
-
 bool LogoStrip::OnKey(WPARAM key) {
   switch (key) {
     case VK_LEFT:
@@ -256,8 +255,7 @@ bool LogoStrip::OnKey(WPARAM key) {
     case VK_DOWN: MoveFocus(focused_item_ + 1); return true;
     case VK_HOME: MoveFocus(0); return true;
     case VK_END: MoveFocus(items_.Count() - 1); return true;
-    case VK_SPACE:
-    case VK_RETURN: Command(focused_item_); return true;
+    case VK_SPACE: Click({LogoPart::kItem, focused_item_}); return true;
   }
   return false;
 }
@@ -275,17 +273,17 @@ void LogoStrip::OnFocusChanged(bool has_focus) {
 }
 
 void LogoStrip::Click(LogoHit hit) {
-  if (hit.part == LogoPart::kItem) return Command(hit.item);
+  if (!IsPressable(hit)) return;
+  if (hit.part == LogoPart::kItem) return PostCommand(items_[hit.item].id);
   if (GetWindowTextLengthW(window()) == 0) {
     PostMessageW(Parent(), kLogoPictureClicked, 0, 0);
-  } else if (mode_ != 0 && Id() >= 1) {
-    PostMessageW(Parent(), WM_COMMAND, MAKEWPARAM(Id(), 0), reinterpret_cast<LPARAM>(window()));
+  } else if (mode_ != 0) {
+    PostCommand(Id());
   }
 }
 
-void LogoStrip::Command(int item) {
-  if (item >= items_.Count() || !items_[item].is_enabled || items_[item].id < 1) return;
-  PostMessageW(Parent(), WM_COMMAND, MAKEWPARAM(items_[item].id, 0), reinterpret_cast<LPARAM>(window()));
+void LogoStrip::PostCommand(int id) const {
+  if (id >= 1) PostMessageW(Parent(), WM_COMMAND, MAKEWPARAM(id, 0), reinterpret_cast<LPARAM>(window()));
 }
 
 LONG LogoStrip::PartRole(int part) const {

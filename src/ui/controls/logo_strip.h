@@ -29,7 +29,7 @@ class LogoStrip final : public ControlWindow {
   Rect PartBounds(int part) const override;
   int PartAt(Point client) const override;
   std::wstring PartAction(int part) const override;
-  void PressPart(int part) override { Command(part - 1); }
+  void PressPart(int part) override { Click({LogoPart::kItem, part - 1}); }
 
  private:
   // Messages of the page.
@@ -57,13 +57,12 @@ class LogoStrip final : public ControlWindow {
   bool IsPressable(LogoHit hit) const;
 
   // The keyboard.
-  LRESULT KeysWanted(const MSG* message) const;
   bool OnKey(WPARAM key);
   void OnFocusChanged(bool has_focus);
   void MoveFocus(int item);
 
   void Click(LogoHit hit);
-  void Command(int item);
+  void PostCommand(int id) const;
 
   LogoItems items_;
   LogoLayout layout_;

@@ -47,10 +47,10 @@ LRESULT StaticControl::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case kStaticLoadBitmap:
       return LoadPicture(reinterpret_cast<HINSTANCE>(wparam), reinterpret_cast<const char*>(lparam));
     case kStaticSetBitmap: picture_.Take(reinterpret_cast<HBITMAP>(lparam)); return PictureChanged();
-    case kStaticSetDib: picture_.TakeDib(reinterpret_cast<HGLOBAL>(lparam)); return PictureChanged();
+    case kStaticSetDib: picture_.TakeDib(PointerIn<void>(lparam)); return PictureChanged();
     case kStaticSetColour:
       colour_ = wparam != 0 ? std::optional(static_cast<COLORREF>(lparam)) : std::nullopt;
-      Repaint();
+      Invalidate();
       return 0;
 
     case WM_SETTEXT: return OnSetText(wparam, lparam);
@@ -61,7 +61,7 @@ LRESULT StaticControl::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_PAINT: OnPaint(); return 0;
     case WM_ERASEBKGND: return 1;
     case WM_ENABLE:
-    case WM_SYSCOLORCHANGE: Repaint(); break;
+    case WM_SYSCOLORCHANGE: Invalidate(); break;
     case WM_SETCURSOR:
       if (!Has(kStaticLink)) break;
       SetCursor(HandCursor());
@@ -84,7 +84,7 @@ LRESULT StaticControl::LoadPicture(HINSTANCE module, const char* name) {
 }
 
 LRESULT StaticControl::PictureChanged() {
-  Repaint();
+  Invalidate();
   return picture_ ? TRUE : FALSE;
 }
 
@@ -100,7 +100,7 @@ void StaticControl::LoadNamedPicture() {
 LRESULT StaticControl::OnSetText(WPARAM wparam, LPARAM lparam) {
   const LRESULT result = Default(WM_SETTEXT, wparam, lparam);
   LoadNamedPicture();
-  Repaint();
+  Invalidate();
   return result;
 }
 
@@ -108,7 +108,7 @@ void StaticControl::OnSetFont(HFONT font, bool redraw) {
   LOGFONTW description;
   const bool is_font = GetObjectType(font) == OBJ_FONT && GetObjectW(font, sizeof description, &description) != 0;
   font_.reset(is_font ? CreateFontIndirectW(&description) : nullptr);
-  if (redraw) Repaint();
+  if (redraw) Invalidate();
 }
 
 void StaticControl::OnRelease(Point point) {
@@ -123,39 +123,30 @@ void StaticControl::PressPart(int /*part*/) {
   SendNotify(Parent(), kNotifyLink, header);
 }
 
-void StaticControl::Repaint() const {
-  Invalidate();
-  if (!Has(kStaticTransparent)) return;
-  RECT area;
-  GetClientRect(window(), &area);
-  MapWindowPoints(window(), Parent(), reinterpret_cast<POINT*>(&area), 2);
-  InvalidateRect(Parent(), &area, TRUE);
-}
-
 void StaticControl::OnPaint() {
-  PAINTSTRUCT painting;
-  const HDC screen = BeginPaint(window(), &painting);
-  if (!screen) return;
-  const Rect client = PartBounds(0);
-  if (buffer_.Prepare(screen, {client.right, client.bottom})) {
-    Paint(screen, buffer_.dc(), buffer_.canvas(), client);
-    buffer_.Show(screen);
-  }
-  EndPaint(window(), &painting);
+  PaintBuffered(window(), buffer_, [this](HDC dc, Canvas& canvas, Rect client) { Paint(dc, canvas, client); });
 }
 
-void StaticControl::Paint(HDC screen, HDC dc, Canvas& canvas, Rect client) {
+void StaticControl::Paint(HDC dc, Canvas& canvas, Rect client) {
   const Colour page = CurrentPalette().face;
-  if (Has(kStaticTransparent)) {
-    BitBlt(dc, 0, 0, client.right, client.bottom, screen, 0, 0, SRCCOPY);
-  } else {
-    canvas.Fill(client, page);
-  }
+  canvas.Fill(client, page);
+  if (Has(kStaticTransparent)) PaintParentBackground(dc);
   if (!picture_) return PaintText(dc, client);
   const Rect picture = picture_.Draw(dc, client, Has(kStaticStretch), drawer_);
   if (IsWindowEnabled(window())) return;
   GdiFlush();  // the canvas changes what has been drawn
   Fade(canvas, {0, 0, std::min(picture.right, client.right), std::min(picture.bottom, client.bottom)}, page);
+}
+
+// What is on the screen does not do: a parent that clips its children leaves what the control showed before.
+void StaticControl::PaintParentBackground(HDC dc) const {
+  POINT origin = {};
+  MapWindowPoints(window(), Parent(), &origin, 1);
+  SaveDC(dc);
+  SetWindowOrgEx(dc, origin.x, origin.y, nullptr);
+  SendMessageW(Parent(), WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0);
+  SendMessageW(Parent(), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
+  RestoreDC(dc, -1);
 }
 
 void StaticControl::PaintText(HDC dc, Rect client) const {

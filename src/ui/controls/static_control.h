@@ -33,11 +33,10 @@ class StaticControl final : public ControlWindow {
   LRESULT OnSetText(WPARAM wparam, LPARAM lparam);
   void OnSetFont(HFONT font, bool redraw);
   void OnRelease(Point point);
-  // A transparent control has its parent paint what is behind it.
-  void Repaint() const;
 
   void OnPaint();
-  void Paint(HDC screen, HDC dc, Canvas& canvas, Rect client);
+  void Paint(HDC dc, Canvas& canvas, Rect client);
+  void PaintParentBackground(HDC dc) const;
   void PaintText(HDC dc, Rect client) const;
   COLORREF TextColour() const;
 

@@ -7,6 +7,22 @@ Rect Placed(Size picture, Rect area, bool is_stretched) {
   return is_stretched ? area : Rect{area.left, area.top, area.left + picture.width, area.top + picture.height};
 }
 
+// A block's bytes stay where they are while this lives.
+class LockedDib {
+ public:
+  explicit LockedDib(HGLOBAL block) : block_(block), bytes_(static_cast<const std::byte*>(GlobalLock(block))) {}
+  ~LockedDib() {
+    if (bytes_) GlobalUnlock(block_);
+  }
+  LockedDib(const LockedDib&) = delete;
+  LockedDib& operator=(const LockedDib&) = delete;
+  DibPicture Picture() const { return bytes_ ? DibPicture({bytes_, GlobalSize(block_)}) : DibPicture(); }
+
+ private:
+  const HGLOBAL block_;
+  const std::byte* const bytes_;
+};
+
 Rect DrawBitmap(HDC dc, HBITMAP bitmap, Rect area, bool is_stretched) {
   BITMAP description;
   if (GetObjectW(bitmap, sizeof description, &description) == 0) return {};
@@ -37,17 +53,19 @@ void StaticPicture::Take(HBITMAP bitmap) {
 void StaticPicture::TakeDib(HGLOBAL dib) {
   if (dib && dib == dib_.get()) return;
   Clear();
-  if (!IS_INTRESOURCE(dib) && GlobalSize(dib) != 0) dib_.reset(dib);
+  if (!dib || GlobalSize(dib) == 0) return;
+  dib_.reset(dib);
+  const bool can_be_drawn = static_cast<bool>(LockedDib(dib).Picture());
+  if (!can_be_drawn) dib_.reset();
 }
 
 Rect StaticPicture::Draw(HDC dc, Rect area, bool is_stretched, DibDrawer& drawer) const {
   if (bitmap_) return DrawBitmap(dc, bitmap_.get(), area, is_stretched);
-  const void* const bytes = dib_ ? GlobalLock(dib_.get()) : nullptr;
-  if (!bytes) return {};
-  const DibPicture picture({static_cast<const std::byte*>(bytes), GlobalSize(dib_.get())});
+  if (!dib_) return {};
+  const LockedDib locked(dib_.get());
+  const DibPicture picture = locked.Picture();
   const Rect place = Placed(picture.size(), area, is_stretched);
   drawer.Draw(dc, picture, place);
-  GlobalUnlock(dib_.get());
   return place;
 }
 

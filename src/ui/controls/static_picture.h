@@ -13,7 +13,8 @@ namespace tervan::ui {
 
 class StaticPicture {
  public:
-  // Each of these deletes the picture before. What is neither a bitmap nor a block of memory leaves no picture.
+  // Each of these deletes the picture before. What is no bitmap leaves no picture; a block of memory that is none, or
+  // none that can be drawn, is freed at once.
   void Clear() { *this = {}; }
   void Take(HBITMAP bitmap);
   void TakeDib(HGLOBAL dib);  // a packed device-independent bitmap
