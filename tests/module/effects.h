@@ -1,5 +1,6 @@
 // The four effects as hosts know them: one table, from which tests that hold for all of them draw what differs.
 #pragma once
+#include <functional>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -102,6 +103,7 @@ struct Filter {
 };
 
 // Notes its calls: "B3" begin of row 3, "V3=1.5" a value, "E3" end. What it answers does not matter.
+// It may do something of its own in the middle of a call, once.
 class HostRecorder final : public CountedFake<IParamRecorder> {
  public:
   HostRecorder() : CountedFake(IID_IUnknown) {}
@@ -114,9 +116,13 @@ class HostRecorder final : public CountedFake<IParamRecorder> {
   STDMETHODIMP EndEdit(DWORD* indices, DWORD count) override { return Note('E', indices[count - 1]); }
   std::string Take() { return std::exchange(calls_, {}).str(); }
 
+  char acts_at = 0;  // a call: B, V or E
+  std::function<void()> act;
+
  private:
   HRESULT Note(char what, DWORD index) {
     calls_ << ' ' << what << index;
+    if (what == acts_at) acts_at = 0, act();
     return E_FAIL;
   }
   std::ostringstream calls_;

@@ -1,4 +1,6 @@
 // The noise gate's page: sliders, edit boxes, automation, and how an action ends that the user is in the middle of.
+#include <algorithm>
+
 #include "module/page_rig.h"
 #include "resources/ids.h"
 #include "ui/controls/slider_messages.h"
@@ -36,7 +38,7 @@ struct GateRig {
 
   HostRecorder recorder;
   const Filter filter{kGate};
-  const Page page{kGate};
+  Page page{kGate};
 };
 
 // A held key repeats; the host hears of one edit, which ends with the key.
@@ -74,13 +76,21 @@ TEST_F(GatePageTest, KeysMoveTheValueInOneEditEach) {
   }
 }
 
-// While the user is in the middle of something, the page closes, or somebody takes the mouse.
+// While the user is in the middle of something, the page goes, one way or another, or somebody takes the mouse.
 TEST_F(GatePageTest, EndsWhatTheUserIsDoing) {
-  GateRig rig;
-  const std::function<void()> ends[] = {[&] { rig.page.SendTo(kAttack.slider, WM_LBUTTONUP); },
-                                        [&] { ReleaseCapture(); }, [&] { rig.page.Close(); }};
-  for (const auto& end : ends) {
-    rig.Restart();
+  using End = void (*)(GateRig&);
+  const End ends[] = {
+      [](GateRig& rig) { rig.page.SendTo(kAttack.slider, WM_LBUTTONUP); },
+      [](GateRig&) { ReleaseCapture(); },
+      [](GateRig& rig) { rig.page.Close(); },
+      [](GateRig& rig) { rig.page.page->Show(SW_HIDE); },
+      [](GateRig& rig) { rig.page.Connect(nullptr); },
+      [](GateRig& rig) { rig.page.Connect(Filter(kGate).control.Get()); },
+      [](GateRig& rig) { rig.page.page = nullptr; },
+  };
+  for (const End end : ends) {
+    SCOPED_TRACE(&end - ends);
+    GateRig rig;
     EXPECT_HRESULT_SUCCEEDED(rig.filter.values->SetParam(kAttack.param, 250));
     rig.page.Shown();
     RECT slider;
@@ -88,13 +98,13 @@ TEST_F(GatePageTest, EndsWhatTheUserIsDoing) {
     rig.page.SendTo(kAttack.slider, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(slider.right / 2, slider.bottom / 2));
     rig.page.SendTo(kAttack.slider, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(slider.right / 2 + 20, slider.bottom / 2));
     EXPECT_GT(rig.Value(kAttack), 260);
-    end();
+    end(rig);
     std::ostringstream heard;
     heard << " B1 V1=" << rig.Value(kAttack) << " E1";
     EXPECT_EQ(rig.recorder.Take(), heard.str());
+    EXPECT_EQ(GetCapture(), nullptr);
   }
-  rig.page.Open();
-  rig.Restart();
+  GateRig rig;
   SetFocus(rig.page.Control(kAttack.slider));
   rig.page.SendTo(kAttack.slider, WM_KEYDOWN, VK_RIGHT);
   rig.page.Close();
@@ -103,6 +113,31 @@ TEST_F(GatePageTest, EndsWhatTheUserIsDoing) {
   rig.Type(kRelease, L"77");
   rig.page.Close();
   EXPECT_EQ(rig.recorder.Take(), " B2 V2=77 E2");
+}
+
+// A host that is told of an edit may close the page there and then.
+TEST_F(GatePageTest, MayBeClosedByWhoeverIsToldOfAnEdit) {
+  using Action = void (*)(GateRig&);
+  const Action actions[] = {
+      [](GateRig& rig) { rig.page.SendTo(kAttack.slider, WM_KEYDOWN, VK_RIGHT); },
+      [](GateRig& rig) { rig.Type(kRelease, L"1234"), SetFocus(rig.page.frame); },
+      [](GateRig& rig) { rig.page.Command(ID_BYPASS); },
+      [](GateRig& rig) { rig.page.Command(ID_PRESET_FIRST + 3); },
+  };
+  for (const Action action : actions) {
+    for (const char call : {'B', 'V', 'E'}) {
+      SCOPED_TRACE(call);
+      GateRig rig;
+      rig.recorder.acts_at = call;
+      rig.recorder.act = [&] { rig.page.Close(), rig.page.Connect(nullptr), rig.page.page = nullptr; };
+      SetFocus(rig.page.Control(kAttack.slider));
+      action(rig);
+      if (rig.page.page) rig.page.SendTo(kAttack.slider, WM_KEYUP, VK_RIGHT);  // a key's edit ends with the key
+      EXPECT_EQ(rig.page.page.Get(), nullptr);
+      const std::string heard = rig.recorder.Take();
+      EXPECT_EQ(std::count(heard.begin(), heard.end(), 'B'), std::count(heard.begin(), heard.end(), 'E')) << heard;
+    }
+  }
 }
 
 // The user's own digit grouping, set for as long as this lives.
@@ -127,21 +162,11 @@ TEST_F(GatePageTest, TypedTimesCountWhenTheFocusLeaves) {
     const wchar_t* text;
     const wchar_t* separator = L",";
   } rows[] = {
-      {kAttack, L"77", 77, L"77"},
-      {kAttack, L"6000", 500, L"500"},
-      {kAttack, L"1,000", 1, L"1"},
-      {kAttack, L"-5", 0, L"0"},
-      {kAttack, L"five", 0, L"0"},
-      {kAttack, L"", 0, L"0"},
-      {kRelease, L"77", 77, L"77"},
-      {kRelease, L"6000", 5000, L"5,000"},
-      {kRelease, L"0", 1, L"1"},
-      {kRelease, L"-5", 1, L"1"},
-      {kRelease, L"five", 1, L"1"},
-      {kRelease, L"", 1, L"1"},
-      {kRelease, overlong, 1, L"1"},
-      {kRelease, L"2,500", 2500, L"2,500"},
-      {kRelease, L"2'500", 2500, L"2'500", L"'"},
+      {kAttack, L"77", 77, L"77"},   {kAttack, L"6000", 500, L"500"},      {kAttack, L"1,000", 1, L"1"},
+      {kAttack, L"-5", 0, L"0"},     {kAttack, L"five", 0, L"0"},          {kAttack, L"", 0, L"0"},
+      {kRelease, L"77", 77, L"77"},  {kRelease, L"6000", 5000, L"5,000"},  {kRelease, L"0", 1, L"1"},
+      {kRelease, L"-5", 1, L"1"},    {kRelease, L"five", 1, L"1"},         {kRelease, L"", 1, L"1"},
+      {kRelease, overlong, 1, L"1"}, {kRelease, L"2,500", 2500, L"2,500"}, {kRelease, L"2'500", 2500, L"2'500", L"'"},
   };
   GateRig rig;
   for (const auto& [row, typed, value, text, separator] : rows) {
