@@ -4,7 +4,7 @@ chmcmd 3.2.2 writes the path of each page on the build machine where its name be
 names stand at the ends of these paths, so a table that points there is all it takes. It is appended to the file,
 uncompressed, and the directory is told where.
 
-Source of the layout: P. Wise, J. Wing, "Unofficial (Preliminary) HTML Help Specification".
+Source of the layout: the notes of P. Wise and J. Wing on the format of HTML Help files.
 """
 
 import re
