@@ -123,9 +123,4 @@ ATOM RegisterControlClass(HINSTANCE module, const ControlClass& control) {
 
 void UnregisterControlClass(HINSTANCE module, const ControlClass& control) { UnregisterClassW(control.name, module); }
 
-HWND NotifyTarget(HWND window, HWND creation_parent) {
-  const HWND parent = GetParent(window);
-  return creation_parent && creation_parent != parent ? creation_parent : parent;
-}
-
 }  // namespace tervan::ui

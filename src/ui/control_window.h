@@ -65,13 +65,14 @@ class ControlWindow : public AccessibleParts {
   };
 
  protected:
-  // The creation parent, when it is not the parent, hears of what the user does.
+  // The creation parent, when it is not the parent, is the listener.
   explicit ControlWindow(HWND window, HWND creation_parent = nullptr);
 
   LRESULT Default(UINT message, WPARAM wparam, LPARAM lparam) const {
     return DefWindowProcW(window(), message, wparam, lparam);
   }
   HWND Parent() const { return GetParent(window()); }
+  // Who hears of what the user does.
   HWND Listener() const { return creator_ ? creator_ : Parent(); }
   int Id() const { return GetDlgCtrlID(window()); }
   void Invalidate() const { InvalidateRect(window(), nullptr, FALSE); }
@@ -119,9 +120,6 @@ LRESULT CALLBACK WindowProcOf(HWND window, UINT message, WPARAM wparam, LPARAM l
                        return new (std::nothrow) Control(created, creation);
                      });
 }
-
-// Who hears of what the user does: the window that asked for the control, when that is not its parent, else the parent.
-HWND NotifyTarget(HWND window, HWND creation_parent);
 
 // The address that a message carries, or null: so small a number is never the address of anything.
 template <class T>
