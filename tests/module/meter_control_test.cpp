@@ -2,15 +2,13 @@
 
 #include "ui/controls/meter_messages.h"
 
-#include <oleacc.h>
-
 #include <bit>
 #include <cmath>
 #include <map>
 #include <random>
 #include <string>
 
-#include "module/module.h"
+#include "module/control_rig.h"
 #include "resources/ids.h"
 #include "ui/gdi.h"
 
@@ -22,29 +20,15 @@ using testing::ElementsAre;
 using testing::StartsWith;
 
 constexpr DWORD kInputMeter = 0x06BC;  // as on the compressor's page
-constexpr UINT_PTR kId = 2014;
 
 INT32 Bits(float level) { return std::bit_cast<INT32>(level); }
 INT32 AtDb(double db) { return Bits(static_cast<float>(std::pow(10.0, db / 20.0))); }
 
-// A page with a meter, and what it hears of the meter.
-class MeterControl : public ModuleTest {
+class MeterControl : public ControlTest {
  protected:
-  void SetUp() override {
-    ModuleTest::SetUp();
-    page = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 400, 200, nullptr, nullptr, nullptr, nullptr);
-    ShowWindow(page, SW_SHOWNOACTIVATE);
-    SetWindowLongPtrW(page, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    SetWindowLongPtrW(page, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(OnPageMessage));
-  }
-  void TearDown() override {
-    DestroyWindow(page);
-    ModuleTest::TearDown();
-  }
-
-  HWND Make(DWORD style) {
-    return meter = CreateWindowW(kMeterClassName, L"", WS_CHILD | WS_VISIBLE | style, 20, 10, 300, 40, page,
-                                 reinterpret_cast<HMENU>(kId), nullptr, nullptr);
+  void Make(DWORD style) {
+    ControlTest::Make(kMeterClassName, style, 300, 40);
+    SetWindowPos(control, nullptr, 20, 10, 300, 40, SWP_NOZORDER);
   }
   // Floats, two channels, 42 dB.
   void MakeInputMeter(DWORD style = kInputMeter) {
@@ -52,9 +36,6 @@ class MeterControl : public ModuleTest {
     Send(kMeterSetChannelCount, 0, 2);
     Send(kMeterSetRange, MAKEWPARAM(0, 1), 32767);
     Send(kMeterSetDisplayRange, 0, 128);
-  }
-  LRESULT Send(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const {
-    return SendMessageW(meter, message, wparam, lparam);
   }
   LRESULT Pass(UINT message, WPARAM wparam, const void* place) const {
     return Send(message, wparam, reinterpret_cast<LPARAM>(place));
@@ -79,12 +60,12 @@ class MeterControl : public ModuleTest {
   }
   // The middle of the first channel, from the left edge of the meter to the right one.
   std::vector<COLORREF> Row() const {
-    UpdateWindow(meter);
+    UpdateWindow(control);
     const RECT bar = Bar();
-    const HDC dc = GetDC(meter);
+    const HDC dc = GetDC(control);
     std::vector<COLORREF> row;
     for (int x = 0; x < 300; ++x) row.push_back(GetPixel(dc, x, (bar.top + bar.bottom) / 2));
-    ReleaseDC(meter, dc);
+    ReleaseDC(control, dc);
     return row;
   }
   std::vector<int> ChangesSince(const std::vector<COLORREF>& before) const {
@@ -99,30 +80,23 @@ class MeterControl : public ModuleTest {
   // Opens the menu and presses these keys in it.
   void UseMenu(std::vector<WPARAM> pressed) {
     keys = std::move(pressed);
-    Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(meter), MAKELPARAM(-1, -1));
+    Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(control), MAKELPARAM(-1, -1));
     EXPECT_TRUE(keys.empty()) << "the menu never waited";
   }
 
-  HWND page = nullptr;
-  HWND meter = nullptr;
   std::vector<WPARAM> keys;          // to press when the menu waits; VK_DELETE destroys the meter
   std::vector<std::string> helps;    // of the highlighted items
   std::map<UINT, UINT> item_states;  // of the menu that was seen last
   int range_notifications = 0;
   int menus_for_page = 0;
 
- private:
-  static LRESULT CALLBACK OnPageMessage(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    auto& test = *reinterpret_cast<MeterControl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    switch (message) {
-      case WM_NOTIFY: test.OnNotify(*reinterpret_cast<const MenuHelpNotification*>(lparam)); return 0;
-      case WM_ENTERIDLE: test.OnIdle(reinterpret_cast<HWND>(lparam)); return 0;
-      case WM_CONTEXTMENU: ++test.menus_for_page; return 0;
-    }
-    return DefWindowProcW(window, message, wparam, lparam);
+  void Hear(UINT message, WPARAM, LPARAM lparam) override {
+    if (message == WM_NOTIFY) OnNotify(*reinterpret_cast<const MenuHelpNotification*>(lparam));
+    if (message == WM_ENTERIDLE) OnMenu(reinterpret_cast<HWND>(lparam));
+    if (message == WM_CONTEXTMENU) ++menus_for_page;
   }
   void OnNotify(const MenuHelpNotification& help) {
-    EXPECT_TRUE(help.header.hwndFrom == meter && help.header.idFrom == kId);
+    EXPECT_TRUE(help.header.hwndFrom == control && help.header.idFrom == kId);
     if (help.header.code == kNotifyMeterRange) ++range_notifications;
     if (help.header.code != kNotifyMenuHelp) return;
     helps.emplace_back(help.help_text);
@@ -130,13 +104,13 @@ class MeterControl : public ModuleTest {
       item_states[id] = GetMenuState(help.menu, id, MF_BYCOMMAND);
     }
   }
-  void OnIdle(HWND menu) {
+  void OnMenu(HWND menu) {
     RECT popup = {};
     GetWindowRect(menu, &popup);
     EXPECT_TRUE(popup.left == 20 + 16 && popup.top == 10 + 16) << popup.left << ", " << popup.top;
     for (const WPARAM key : std::exchange(keys, {})) {
-      if (key == VK_DELETE) DestroyWindow(meter);
-      PostMessageW(meter, WM_KEYDOWN, key, 0);
+      if (key == VK_DELETE) DestroyWindow(control);
+      PostMessageW(control, WM_KEYDOWN, key, 0);
     }
   }
 };
@@ -181,7 +155,7 @@ TEST_F(MeterControl, RedrawsAtOnceWhenItIsToldTo) {
                              kMeterResetHolds, kMeterSwitchPlainBars, kMeterSwitchNoTicks}) {
     for (const WORD at_once : {0, 1}) {
       Send(message, at_once, 1);
-      EXPECT_EQ(GetUpdateRect(meter, nullptr, FALSE), !at_once) << message;
+      EXPECT_EQ(GetUpdateRect(control, nullptr, FALSE), !at_once) << message;
     }
   }
 }
@@ -203,14 +177,14 @@ TEST_F(MeterControl, LightsUpToTheLevelAndForAReductionFromTheLevelOn) {
     Send(WM_LBUTTONDOWN, 0, MAKELPARAM(Bar().right + 5, Bar().top));
     EXPECT_EQ(std::ssize(ChangesSince(dark)), is_reduction ? 0 : length) << "a click resets the indicator";
     EXPECT_EQ(Send(kMeterGetExtremes), Bits(1.0F));
-    DestroyWindow(meter);
+    DestroyWindow(control);
   }
 }
 
 TEST_F(MeterControl, MarksThePeakOrTheValleyOfItsStyle) {
   const auto marks = [this](DWORD style, double first_db, double then_db, UINT reset) {
     for (;;) {
-      DestroyWindow(meter);
+      DestroyWindow(control);
       MakeInputMeter(0);
       const DWORD start = GetTickCount();
       Set({AtDb(first_db), 0});
@@ -233,10 +207,10 @@ TEST_F(MeterControl, LeavesToThePageWhatIsNotItsOwn) {
   const LONG end = Bar().right;
   const auto hit = [this](LONG x) { return Send(WM_NCHITTEST, 0, MAKELPARAM(20 + x, 10 + 3)); };
   EXPECT_TRUE(hit(end - 1) == HTTRANSPARENT && hit(end + 5) == HTCLIENT);
-  Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(meter), -1);
+  Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(control), -1);
   Send(kMeterChangeStyle, kMeterMenu, 1);
   EXPECT_EQ(hit(end - 1), HTCLIENT);
-  Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(page), -1);
+  Send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(parent), -1);
   EXPECT_EQ(menus_for_page, 2);
 }
 
@@ -260,28 +234,18 @@ TEST_F(MeterControl, MenuSetsRangesAndStyles) {
   UseMenu({VK_ESCAPE});
   EXPECT_EQ(range_notifications, 1);
   UseMenu({VK_DELETE});
-  EXPECT_FALSE(IsWindow(meter));
+  EXPECT_FALSE(IsWindow(control));
 }
 
 TEST_F(MeterControl, TellsScreenReadersItsLevels) {
   MakeInputMeter();
-  ComPtr<IAccessible> accessible;
-  ASSERT_HRESULT_SUCCEEDED(
-      AccessibleObjectFromWindow(meter, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible), accessible.PutVoid()));
-  VARIANT self = {};
-  self.vt = VT_I4;
-  const auto value = [&] {
-    BSTR text = nullptr;
-    EXPECT_EQ(accessible->get_accValue(self, &text), S_OK);
-    const std::wstring copy = text ? text : L"";
-    SysFreeString(text);
-    return copy;
-  };
+  const ComPtr<IAccessible> accessible = Accessible();
+  const auto value = [&] { return Text(accessible, &IAccessible::get_accValue); };
   Set({AtDb(-12.34), Bits(0.0F)});
   EXPECT_EQ(value(), L"-12.3 dB, -Inf. dB");
   Set({Bits(0.999F), Bits(7.0F)});
   EXPECT_EQ(value(), L"0.0 dB, 0.0 dB, clipped");
-  EXPECT_EQ(accessible->accDoDefaultAction(self), S_OK);
+  EXPECT_EQ(accessible->accDoDefaultAction(Part(0)), S_OK);
   EXPECT_EQ(value(), L"0.0 dB, 0.0 dB");
 }
 
@@ -295,7 +259,7 @@ TEST_F(MeterControl, SurvivesWhateverItIsTold) {
                              message == kMeterGetRange || message == kMeterGetBarBounds;
     const UINT number = kNumbers[random() % (takes_place ? 6 : std::size(kNumbers))];  // no place is so low
     Send(message, MAKEWPARAM(turn % 9 == 0, message == kMeterSetRange && number % 2 == 1), number);
-    if (turn % 50 == 0) SetWindowPos(meter, nullptr, 0, 0, number % 301, random() % 99, SWP_NOMOVE);
+    if (turn % 50 == 0) SetWindowPos(control, nullptr, 0, 0, number % 301, random() % 99, SWP_NOMOVE);
     ASSERT_LE(Send(kMeterGetChannelCount), kMaxMeterChannels);
     ASSERT_GE(Send(kMeterGetLevels), 0);
   }
@@ -305,10 +269,10 @@ TEST_F(MeterControl, MetersThatComeAndGoLeaveNothingBehind) {
   // Numbers grow with the objects that live.
   const auto next_handle = [] { return LOWORD(GdiObject<HBRUSH>(CreateSolidBrush(RGB(1, 2, 3))).get()); };
   MakeInputMeter();  // what the module keeps, its font, is there
-  UpdateWindow(meter);
+  UpdateWindow(control);
   const WORD before = next_handle();
   for (int i = 0; i < 500; ++i) {
-    const HWND first = meter;
+    const HWND first = control;
     MakeInputMeter(i % 2 ? 0x051E : 0x07BD);
     Set({AtDb(-6), AtDb(-9)});
     DestroyWindow(first);
