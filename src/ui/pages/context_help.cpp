@@ -36,8 +36,8 @@ class HelpPopup final : public ControlWindow {
 
  private:
   LRESULT OnPaint() {
-    PAINTSTRUCT painting;
-    const HDC dc = BeginPaint(window(), &painting);
+    const WindowPainting painting(window());
+    const HDC dc = painting.Get();
     RECT area;
     GetClientRect(window(), &area);
     FillRect(dc, &area, GetSysColorBrush(COLOR_INFOBK));
@@ -47,7 +47,6 @@ class HelpPopup final : public ControlWindow {
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(COLOR_INFOTEXT));
     DrawTextW(dc, WindowText(window()).c_str(), -1, &area, DT_WORDBREAK | DT_NOPREFIX);
-    EndPaint(window(), &painting);
     return 0;
   }
 

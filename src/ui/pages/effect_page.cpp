@@ -4,6 +4,7 @@
 #include <new>
 
 #include "resources/ids.h"
+#include "ui/code_page.h"
 #include "ui/control_window.h"
 #include "ui/controls/logo_messages.h"
 #include "ui/pages/context_help.h"
@@ -26,13 +27,6 @@ constexpr BypassImages kBypassImages[] = {
     {kLogoSetImages, IDB_BYPASS}, {kLogoSetHotImages, IDB_BYPASS_HOT}, {kLogoSetDisabledImages, IDB_BYPASS_DISABLED}};
 constexpr int kBypassImageWidth = 21;
 constexpr COLORREF kTransparent = RGB(0xFF, 0x00, 0xFF);
-
-std::string InSystemCodePage(const std::wstring& text) {
-  const int length = static_cast<int>(text.size());
-  std::string narrow(WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr), '\0');
-  WideCharToMultiByte(CP_ACP, 0, text.data(), length, narrow.data(), static_cast<int>(narrow.size()), nullptr, nullptr);
-  return narrow;
-}
 
 std::wstring StripText(std::wstring name) {
   constexpr int kPrefixLength = std::size(kMakerPrefix) - 1;
