@@ -18,12 +18,9 @@ struct Row {
 };
 
 // In the order of registration and of its undoing.
-constexpr std::initializer_list<Row> kClasses{
-    {&kFaderClass, nullptr},
-    {&kTrackbarClass, nullptr},
-    {&kMeterClass, nullptr},
-    {&kStaticClass, nullptr},
-    {&kLogoClass, ChooseLogoPictures},
+constexpr Row kClasses[] = {
+    {&kFaderClass, nullptr},  {&kTrackbarClass, nullptr},        {&kMeterClass, nullptr},
+    {&kStaticClass, nullptr}, {&kLogoClass, ChooseLogoPictures},
 };
 
 }  // namespace

@@ -13,7 +13,7 @@ constexpr int kMaxWidth = 16;
 constexpr int kMaxPrecision = 9;
 constexpr double kMaxValue = 1e9;  // no decibel is larger, and every fixed text of it fits its buffer
 
-struct NumberSpec {
+struct NumberField {
   bool left = false;
   bool plus = false;
   bool blank = false;
@@ -25,22 +25,22 @@ struct NumberSpec {
 };
 
 // One number's description, behind its mark.
-class SpecReader {
+class FieldReader {
  public:
-  explicit SpecReader(std::u16string_view text) : text_(text) {}
+  explicit FieldReader(std::u16string_view text) : text_(text) {}
 
-  std::optional<NumberSpec> Read() {
-    NumberSpec spec;
-    while (TakeFlag(spec)) {
+  std::optional<NumberField> Read() {
+    NumberField field;
+    while (TakeFlag(field)) {
     }
-    spec.width = TakeDigits(kMaxWidth);
-    if (Take(u'.')) spec.precision = TakeDigits(kMaxPrecision);
+    field.width = TakeDigits(kMaxWidth);
+    if (Take(u'.')) field.precision = TakeDigits(kMaxPrecision);
     if (next_ == text_.size() || std::u16string_view(u"fegdi").find(text_[next_]) == std::u16string_view::npos) {
       return std::nullopt;
     }
-    spec.kind = text_[next_++];
-    spec.length = next_;
-    return spec;
+    field.kind = text_[next_++];
+    field.length = next_;
+    return field;
   }
 
  private:
@@ -50,11 +50,11 @@ class SpecReader {
     return true;
   }
 
-  bool TakeFlag(NumberSpec& spec) {
-    if (Take(u'-')) return spec.left = true;
-    if (Take(u'+')) return spec.plus = true;
-    if (Take(u' ')) return spec.blank = true;
-    if (Take(u'0')) return spec.zeros = true;
+  bool TakeFlag(NumberField& field) {
+    if (Take(u'-')) return field.left = true;
+    if (Take(u'+')) return field.plus = true;
+    if (Take(u' ')) return field.blank = true;
+    if (Take(u'0')) return field.zeros = true;
     return Take(u'#');
   }
 
@@ -71,14 +71,14 @@ class SpecReader {
 };
 
 // The digits of a number >= 0.
-std::u16string Digits(const NumberSpec& spec, double magnitude, std::u16string_view decimal_sign) {
-  const bool is_integer = spec.kind == u'd' || spec.kind == u'i';
-  const std::chars_format form = spec.kind == u'e'   ? std::chars_format::scientific
-                                 : spec.kind == u'g' ? std::chars_format::general
-                                                     : std::chars_format::fixed;
+std::u16string Digits(const NumberField& field, double magnitude, std::u16string_view decimal_sign) {
+  const bool is_integer = field.kind == u'd' || field.kind == u'i';
+  const std::chars_format form = field.kind == u'e'   ? std::chars_format::scientific
+                                 : field.kind == u'g' ? std::chars_format::general
+                                                      : std::chars_format::fixed;
   char text[32];
   const std::to_chars_result end =
-      std::to_chars(std::begin(text), std::end(text), magnitude, form, is_integer ? 0 : spec.precision.value_or(6));
+      std::to_chars(std::begin(text), std::end(text), magnitude, form, is_integer ? 0 : field.precision.value_or(6));
   std::u16string digits;
   for (const char* c = text; c != end.ptr; ++c) {
     if (*c == '.') {
@@ -90,17 +90,17 @@ std::u16string Digits(const NumberSpec& spec, double magnitude, std::u16string_v
   return digits;
 }
 
-std::u16string NumberText(const NumberSpec& spec, double value, std::u16string_view decimal_sign) {
+std::u16string NumberText(const NumberField& field, double value, std::u16string_view decimal_sign) {
   const double magnitude = std::min(std::fabs(value), kMaxValue);
-  const std::u16string digits = Digits(spec, magnitude, decimal_sign);
+  const std::u16string digits = Digits(field, magnitude, decimal_sign);
   // What is printed as zero has no minus sign.
   const bool is_negative = value < 0.0 && digits.find_first_of(u"123456789") != std::u16string::npos;
-  const std::u16string sign = is_negative ? u"-" : spec.plus ? u"+" : spec.blank ? u" " : u"";
+  const std::u16string sign = is_negative ? u"-" : field.plus ? u"+" : field.blank ? u" " : u"";
   const std::size_t length = sign.size() + digits.size();
-  const auto width = static_cast<std::size_t>(spec.width);
-  const std::u16string padding(width > length ? width - length : 0, spec.zeros && !spec.left ? u'0' : u' ');
-  if (spec.left) return sign + digits + padding;
-  return spec.zeros ? sign + padding + digits : padding + sign + digits;
+  const auto width = static_cast<std::size_t>(field.width);
+  const std::u16string padding(width > length ? width - length : 0, field.zeros && !field.left ? u'0' : u' ');
+  if (field.left) return sign + digits + padding;
+  return field.zeros ? sign + padding + digits : padding + sign + digits;
 }
 
 }  // namespace
@@ -115,10 +115,10 @@ std::u16string FormatLabel(std::u16string_view format, double value, std::u16str
     } else if (rest.starts_with(kMark)) {
       label += kMark;
       ++i;
-    } else if (const std::optional<NumberSpec> spec = SpecReader(rest).Read(); spec && !has_number) {
-      label += NumberText(*spec, value, decimal_sign);
+    } else if (const std::optional<NumberField> field = FieldReader(rest).Read(); field && !has_number) {
+      label += NumberText(*field, value, decimal_sign);
       has_number = true;
-      i += spec->length;
+      i += field->length;
     } else {
       label += kMark;
     }
