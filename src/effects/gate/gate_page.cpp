@@ -15,7 +15,7 @@ constexpr const ParamDescriptor& DescriptorOf(GateParam param) { return gate::kP
 
 std::wstring LevelText(INT32 tenth_db) {
   const bool is_gate_off = tenth_db <= DescriptorOf(GateParam::kThresholdLevel).controlMin;
-  return is_gate_off ? ui::kMinusInfinity : ui::TenthsText(tenth_db) + L" dB";
+  return is_gate_off ? ui::kMinusInfinity : ui::TenthsText(tenth_db) + ui::kDecibelUnit;
 }
 
 // The platform's own reader, which knows no grouping: for numbers too short to be grouped. It may give a typed minus
