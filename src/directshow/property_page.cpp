@@ -103,19 +103,6 @@ STDMETHODIMP PropertyPage::Move(LPCRECT area) {
   return S_OK;
 }
 
-STDMETHODIMP PropertyPage::Apply() {
-  if (!has_object_ || !site_) return E_UNEXPECTED;
-  if (!is_dirty_) return S_OK;
-  const HRESULT result = OnApplyChanges();
-  if (SUCCEEDED(result)) is_dirty_ = false;
-  return result;
-}
-
-void PropertyPage::SetDirty(bool is_dirty) noexcept {
-  is_dirty_ = is_dirty;
-  if (site_) site_->OnStatusChange(is_dirty ? PROPPAGESTATUS_DIRTY : PROPPAGESTATUS_CLEAN);
-}
-
 INT_PTR CALLBACK PropertyPage::DialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
   if (message == WM_INITDIALOG) {
     SetWindowLongPtrW(dialog, DWLP_USER, lparam);

@@ -28,10 +28,10 @@ class PropertyPage : public Implements<ComObject, IPropertyPage> {
   STDMETHODIMP Show(UINT command) override;
   // E_POINTER, E_UNEXPECTED without a dialog.
   STDMETHODIMP Move(LPCRECT area) override;
-  // S_OK when changes wait for Apply, else S_FALSE.
-  STDMETHODIMP IsPageDirty() override { return is_dirty_ ? S_OK : S_FALSE; }
-  // What OnApplyChanges answers, S_OK with nothing to apply. E_UNEXPECTED without an object or a site.
-  STDMETHODIMP Apply() override;
+  // S_FALSE: what is changed on a page takes effect at once.
+  STDMETHODIMP IsPageDirty() override { return S_FALSE; }
+  // S_OK, there is nothing to apply. E_UNEXPECTED without an object or a site.
+  STDMETHODIMP Apply() override { return has_object_ && site_ ? S_OK : E_UNEXPECTED; }
   STDMETHODIMP Help(LPCOLESTR /*help_dir*/) override { return E_NOTIMPL; }
   STDMETHODIMP TranslateAccelerator(MSG* /*message*/) override { return E_NOTIMPL; }
 
@@ -50,7 +50,6 @@ class PropertyPage : public Implements<ComObject, IPropertyPage> {
   virtual HRESULT OnDisconnect() { return S_OK; }
   virtual HRESULT OnActivate() { return S_OK; }
   virtual HRESULT OnDeactivate() { return S_OK; }
-  virtual HRESULT OnApplyChanges() { return S_OK; }
   // Every message of the dialog from WM_INITDIALOG on; the answer is that of a dialog procedure.
   virtual INT_PTR OnReceiveMessage(HWND /*dialog*/, UINT /*message*/, WPARAM /*wparam*/, LPARAM /*lparam*/) {
     return FALSE;
@@ -59,9 +58,6 @@ class PropertyPage : public Implements<ComObject, IPropertyPage> {
   // Null while there is no dialog; set before OnReceiveMessage sees WM_INITDIALOG.
   HWND Dialog() const noexcept { return dialog_; }
   HINSTANCE Module() const noexcept { return module_; }
-  IPropertyPageSite* Site() const noexcept { return site_.Get(); }
-  // Marks the page and tells the frame, which then enables its Apply button.
-  void SetDirty(bool is_dirty) noexcept;
 
  private:
   static INT_PTR CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam);
@@ -72,7 +68,6 @@ class PropertyPage : public Implements<ComObject, IPropertyPage> {
   HWND dialog_ = nullptr;
   ComPtr<IPropertyPageSite> site_;
   bool has_object_ = false;
-  bool is_dirty_ = false;
 };
 
 }  // namespace tervan::directshow
