@@ -10,7 +10,6 @@
 
 #include "module/control_rig.h"
 #include "resources/ids.h"
-#include "ui/gdi.h"
 
 namespace tervan::test {
 namespace {
@@ -259,21 +258,6 @@ TEST_F(MeterControl, SurvivesWhateverItIsTold) {
     ASSERT_LE(Send(kMeterGetChannelCount), kMaxMeterChannels);
     ASSERT_GE(Send(kMeterGetLevels), 0);
   }
-}
-
-TEST_F(MeterControl, MetersThatComeAndGoLeaveNothingBehind) {
-  // Numbers grow with the objects that live.
-  const auto next_handle = [] { return LOWORD(GdiObject<HBRUSH>(CreateSolidBrush(RGB(1, 2, 3))).get()); };
-  MakeInputMeter();  // what the module keeps, its font, is there
-  UpdateWindow(control);
-  const WORD before = next_handle();
-  for (int i = 0; i < 500; ++i) {
-    const HWND first = control;
-    MakeInputMeter(i % 2 ? 0x051E : 0x07BD);
-    Set({AtDb(-6), AtDb(-9)});
-    DestroyWindow(first);
-  }
-  EXPECT_LT(next_handle() - before, 100);
 }
 
 }  // namespace

@@ -70,17 +70,6 @@ class SliderTest : public ControlTest {
   }
 };
 
-TEST_F(SliderTest, ClassesAreGlobal) {
-  for (const wchar_t* const name : {kTrackbar, kFader}) {
-    WNDCLASSEXW found = {};
-    found.cbSize = sizeof found;
-    ASSERT_TRUE(GetClassInfoExW(GetModuleHandleW(nullptr), name, &found));
-    EXPECT_EQ(found.style, UINT{CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW});
-    EXPECT_EQ(found.cbWndExtra, static_cast<int>(sizeof(void*)));
-    EXPECT_EQ(found.hCursor, name == kFader ? nullptr : LoadCursorW(nullptr, IDC_ARROW));
-  }
-}
-
 TEST_F(SliderTest, KeepsWhatItIsSetTo) {
   Make(kTrackbar, kTapered);
   EXPECT_EQ(Number(kGet), 50);
@@ -255,12 +244,6 @@ TEST_F(SliderTest, OddNumbersDoNoHarm) {
       EXPECT_TRUE(DestroyWindow(control));
     }
   }
-}
-
-TEST_F(SliderTest, FiveHundredAtOnceKeepApart) {
-  std::vector<HWND> sliders;
-  for (int i = 0; i < 500; ++i) sliders.push_back(Make(i % 2 ? kTrackbar : kFader)), Send(kSet, 1, i % 100);
-  for (int i = 0; i < 500; ++i) EXPECT_EQ(SendMessageW(sliders[i], kGet, 0, 0), i % 100);
 }
 
 TEST_F(SliderTest, ScreenReadersReadIt) {

@@ -1,0 +1,65 @@
+// What all window classes of the module have in common: how they are registered, and that windows come and go.
+#include <random>
+
+#include "module/control_rig.h"
+#include "ui/controls/logo_messages.h"
+#include "ui/controls/meter_messages.h"
+#include "ui/controls/slider_messages.h"
+#include "ui/controls/static_messages.h"
+
+namespace tervan::test {
+namespace {
+
+struct ClassRow {
+  const wchar_t* name;
+  bool sets_its_cursor;
+  int extra_pointers;
+};
+constexpr ClassRow kClasses[] = {{ui::kFaderClassName, true, 1},
+                                 {ui::kTrackbarClassName, false, 1},
+                                 {ui::kMeterClassName, false, 1},
+                                 {ui::kStaticClassName, false, 2},
+                                 {ui::kLogoClassName, false, 1}};
+
+class ControlClassesTest : public ControlTest {
+ protected:
+  void Hear(UINT, WPARAM, LPARAM) override {}
+};
+
+TEST_F(ControlClassesTest, AnyModuleOfTheProgramCanUseThem) {
+  for (const ClassRow& row : kClasses) {
+    WNDCLASSEXW found = {};
+    found.cbSize = sizeof found;
+    ASSERT_TRUE(GetClassInfoExW(GetModuleHandleW(nullptr), row.name, &found)) << row.name;
+    EXPECT_EQ(found.style, UINT{CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW});
+    EXPECT_EQ(found.cbWndExtra, row.extra_pointers * static_cast<int>(sizeof(void*)));
+    EXPECT_EQ(found.hCursor, row.sets_its_cursor ? nullptr : LoadCursorW(nullptr, IDC_ARROW));
+  }
+}
+
+// Numbers of drawing objects grow with those that live.
+TEST_F(ControlClassesTest, FiveHundredOfEachLeaveNothingBehind) {
+  const auto next_handle = [] {
+    const HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
+    DeleteObject(brush);
+    return LOWORD(brush);
+  };
+  for (const ClassRow& row : kClasses) {
+    std::mt19937 random(244);
+    WORD before = 0;
+    for (int i = 0; i < 500; ++i) {
+      Make(row.name, random() & 0xFFFF, static_cast<int>(random() % 300), static_cast<int>(random() % 60));
+      for (const UINT message : {WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_SYSCOLORCHANGE, WM_SETTINGCHANGE}) {
+        Send(message, 0, message == WM_SETTINGCHANGE ? 0 : static_cast<LPARAM>(random() & 0x1F003F));
+      }
+      Send(WM_SIZE), UpdateWindow(control);
+      DestroyWindow(control);  // some of them hold the mouse
+      EXPECT_EQ(GetCapture(), nullptr);
+      if (i == 10) before = next_handle();
+    }
+    EXPECT_LT(next_handle() - before, 100) << row.name;
+  }
+}
+
+}  // namespace
+}  // namespace tervan::test
