@@ -2,6 +2,7 @@
 #include <random>
 
 #include "module/control_rig.h"
+#include "module/handle_places.h"
 #include "ui/controls/logo_messages.h"
 #include "ui/controls/meter_messages.h"
 #include "ui/controls/slider_messages.h"
@@ -37,16 +38,10 @@ TEST_F(ControlClassesTest, AnyModuleOfTheProgramCanUseThem) {
   }
 }
 
-// Numbers of drawing objects grow with those that live.
 TEST_F(ControlClassesTest, FiveHundredOfEachLeaveNothingBehind) {
-  const auto next_handle = [] {
-    const HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
-    DeleteObject(brush);
-    return LOWORD(brush);
-  };
   for (const ClassRow& row : kClasses) {
     std::mt19937 random(244);
-    WORD before = 0;
+    int before = 0;
     for (int i = 0; i < 500; ++i) {
       Make(row.name, random() & 0xFFFF, static_cast<int>(random() % 300), static_cast<int>(random() % 60));
       for (const UINT message : {WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_SYSCOLORCHANGE, WM_SETTINGCHANGE}) {
@@ -55,9 +50,9 @@ TEST_F(ControlClassesTest, FiveHundredOfEachLeaveNothingBehind) {
       Send(WM_SIZE), UpdateWindow(control);
       DestroyWindow(control);  // some of them hold the mouse
       EXPECT_EQ(GetCapture(), nullptr);
-      if (i == 10) before = next_handle();
+      if (i == 10) before = LastDrawingPlace();
     }
-    EXPECT_LT(next_handle() - before, 100) << row.name;
+    EXPECT_LT(LastDrawingPlace() - before, 100) << row.name;
   }
 }
 

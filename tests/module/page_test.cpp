@@ -1,4 +1,5 @@
 // Property pages in a frame's window, driven by the messages that users and filters cause.
+#include "module/handle_places.h"
 #include "module/page_rig.h"
 #include "resources/ids.h"
 
@@ -253,20 +254,6 @@ TEST_P(PageTest, MayGoWhileItsMenuOrItsBoxIsOpen) {
     EXPECT_EQ(AboutBox(), nullptr);
     HandlePostedMessages();
   }
-}
-
-// The last place that new handles take, so many that they fill every gap. The low word of a handle is its place.
-template <class Make, class Destroy>
-int LastPlace(Make make, Destroy destroy) {
-  std::vector<decltype(make())> handles(2000);
-  int last = 0;
-  for (auto& handle : handles) last = std::max<int>(last, LOWORD(handle = make()));
-  for (const auto handle : handles) destroy(handle);
-  return last;
-}
-int LastWindowPlace() { return LastPlace(CreateMenu, DestroyMenu); }
-int LastDrawingPlace() {
-  return LastPlace([] { return CreateSolidBrush(0); }, DeleteObject);
 }
 
 TEST_P(PageTest, LeavesNothingBehindHoweverOftenItIsOpenedAndPainted) {
