@@ -45,7 +45,7 @@ constexpr ui::PageDescription kDescription{
 
 DitherPage::DitherPage(IUnknown* outer) noexcept : EffectPageFor(outer, kDescription) {}
 
-void DitherPage::OnInitPage() {
+bool DitherPage::OnInitPage() {
   for (const List& list : kLists) {
     Send(list.id, CB_RESETCONTENT);
     for (int value = 0; value <= list.highest; ++value) {
@@ -53,6 +53,7 @@ void DitherPage::OnInitPage() {
       Send(list.id, CB_SETITEMDATA, Send(list.id, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str())), value);
     }
   }
+  return true;
 }
 
 // A value without an entry leaves the selection as it was.

@@ -13,7 +13,7 @@ class DitherPage final : public ui::EffectPageFor<IDitherSettings> {
   explicit DitherPage(IUnknown* outer) noexcept;
 
  private:
-  void OnInitPage() override;
+  bool OnInitPage() override;
   void RefreshControls(int id, ui::Refresh refresh) override;
   void OnFilterNotification(int code) override;
   void OnCommand(int id, int code) override;

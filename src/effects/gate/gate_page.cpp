@@ -77,12 +77,13 @@ constexpr ui::PageDescription kDescription{
 
 GatePage::GatePage(IUnknown* outer) noexcept : AutomatedPageFor(outer, kDescription) {}
 
-void GatePage::OnInitPage() {
+bool GatePage::OnInitPage() {
   for (const Row& row : kRows) {
     Send(row.slider_id, ui::kSliderSetMinimum, 0, DescriptorOf(row.param).controlMin);
     Send(row.slider_id, ui::kSliderSetMaximum, 0, DescriptorOf(row.param).controlMax);
     Send(row.slider_id, ui::kSliderSetDefault, 0, row.default_position);
   }
+  return true;
 }
 
 void GatePage::RefreshControls(int id, Refresh refresh) {

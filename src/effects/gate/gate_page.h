@@ -16,7 +16,7 @@ class GatePage final : public ui::AutomatedPageFor<IGateSettings> {
   explicit GatePage(IUnknown* outer) noexcept;
 
  private:
-  void OnInitPage() override;
+  bool OnInitPage() override;
   void RefreshControls(int id, ui::Refresh refresh) override;
   void OnFilterNotification(int code) override;
   void OnCommand(int id, int code) override;

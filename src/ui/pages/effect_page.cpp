@@ -135,7 +135,7 @@ INT_PTR EffectPage::OnReceiveMessage(HWND dialog, UINT message, WPARAM wparam, L
 void EffectPage::Initialise() {
   if (HasControl()) SetNotifyWindow(Dialog(), ID_FILTER_CHANGED);
   SetUpLogoStrip();
-  OnInitPage();
+  if (!OnInitPage()) return;
   ShowValues(kAllControls, Refresh::kOthers);
   for (const UINT_PTR timer : description_.timers) SetTimer(Dialog(), timer, kTimerPeriodMs, nullptr);
 }

@@ -70,7 +70,8 @@ class EffectPage : public directshow::PropertyPage {
 
   // The hooks of a page. All but the first are called with a control interface only. Whatever reaches the filter may
   // reach the host's recorder, which may close the page: a hook holds the interface for as long as it works.
-  virtual void OnInitPage() = 0;  // fills the controls; there may be no control interface yet
+  // Fills the controls; there may be no control interface yet. False: there is nothing to show or to poll.
+  virtual bool OnInitPage() = 0;
   // Shows the filter's values in one control, or with kAllControls in all.
   virtual void RefreshControls(int id, Refresh refresh) = 0;
   virtual void OnFilterNotification(int code) = 0;
