@@ -6,6 +6,7 @@
 
 #include "module/class_factory.h"
 #include "module/self_registration.h"
+#include "ui/band_glyphs.h"
 #include "ui/controls/control_classes.h"
 #include "ui/pages/context_help.h"
 #include "ui/ui_library.h"
@@ -44,5 +45,9 @@ STDAPI DllUnregisterServer() { return tervan::UnregisterModule(); }
 // Hosts look it up by name. It does nothing. The caller cleans the stack, as is usual for plain functions.
 void BuildPositionStringEx(char* /*buffer*/, const void* /*position_format*/, INT64 /*position*/, char* /*text*/,
                            UINT32 /*flags*/) {}
+
+// Null when the system has no font of that name; the caller deletes it. Which characters it has is for the caller to
+// ask.
+HFONT GetWingdingsFont() { return tervan::ui::MakeWingdingsFont().release(); }
 
 }  // extern "C"

@@ -17,8 +17,9 @@ using IdentityTest = EffectTest;
 TERVAN_FOR_ALL_EFFECTS(IdentityTest);
 
 TEST_F(ExportsTest, CarryPlainNames) {
-  for (const char* name : {"DllMain", "DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer",
-                           "DllUnregisterServer", "BuildPositionStringEx", "_ZN6tervan9CLmDitheraSERKS0_"}) {
+  for (const char* name :
+       {"DllMain", "DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer", "DllUnregisterServer",
+        "BuildPositionStringEx", "GetWingdingsFont", "_ZN6tervan9CLmDitheraSERKS0_"}) {
     EXPECT_NE(GetProcAddress(TheModule(), name), nullptr) << name;
   }
 }
