@@ -15,10 +15,6 @@ std::uint8_t MixedLevel(int from, int to, int weight) {
   return static_cast<std::uint8_t>((from * (kFullWeight - weight) + to * weight + kFullWeight / 2) / kFullWeight);
 }
 
-std::uint32_t PixelOf(Colour c) {
-  return static_cast<std::uint32_t>(c.red) << 16 | static_cast<std::uint32_t>(c.green) << 8 | c.blue;
-}
-
 Colour ColourOf(std::uint32_t pixel) {
   return {static_cast<std::uint8_t>(pixel >> 16), static_cast<std::uint8_t>(pixel >> 8),
           static_cast<std::uint8_t>(pixel)};
@@ -52,6 +48,15 @@ void Canvas::Fill(Rect area, Colour colour) {
   for (int y = clipped.top; y < clipped.bottom && clipped.left < clipped.right; ++y) {
     std::uint32_t* const row = pixels_ + y * size_.width;
     std::fill(row + clipped.left, row + clipped.right, PixelOf(colour));
+  }
+}
+
+// A plain loop: the areas are as narrow as a pixel.
+void Canvas::CopyFrom(const std::uint32_t* picture, Rect area) {
+  const Rect clipped = Clipped(area);
+  for (int y = clipped.top; y < clipped.bottom; ++y) {
+    const int row = y * size_.width;
+    for (int x = clipped.left; x < clipped.right; ++x) pixels_[row + x] = picture[row + x];
   }
 }
 

@@ -17,6 +17,9 @@ struct Colour {
 inline constexpr Colour kBlack{0, 0, 0};
 inline constexpr Colour kWhite{255, 255, 255};
 
+// As a canvas keeps it.
+constexpr std::uint32_t PixelOf(Colour c) { return std::uint32_t{c.red} << 16 | std::uint32_t{c.green} << 8 | c.blue; }
+
 // From one colour to the other: weight 0 to 256.
 Colour Mixed(Colour from, Colour to, int weight);
 
@@ -36,6 +39,8 @@ class Canvas {
   Colour PixelAt(Point p) const;
 
   void Fill(Rect area, Colour colour);
+  // What a picture of the canvas' size shows there.
+  void CopyFrom(const std::uint32_t* picture, Rect area);
   // The first colour at the left or top edge, the second one at the other.
   void FillGradient(Rect area, Colour first, Colour second, Direction direction);
   // Corners of this radius, with smooth edges; filled from top to bottom. With less than the full weight, the ground

@@ -35,6 +35,7 @@ TEST(Canvas, NeverDrawsOutside) {
        {Rect{-5, -5, 50, 50}, {30, 30, 40, 40}, {5, 5, 5, 9}, {9, 9, 5, 5}, {-9, 3, -1, 6}, {0, 0, 20, 10}}) {
     Picture picture({20, 10});
     picture.canvas().Fill(area, kWhite);
+    picture.canvas().CopyFrom(std::vector(200, kUntouched).data(), area);
     picture.canvas().FillGradient(area, kBlack, kWhite, Direction::kAcross);
     picture.canvas().FillRounded(area, 4, kWhite, kBlack);
     picture.canvas().StrokeRounded(area, 4, 2, kWhite);

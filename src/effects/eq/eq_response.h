@@ -17,7 +17,8 @@ class EqResponse {
   EqResponse();
 
   void Clear() { points_ = {}; }
-  // Adds an enabled band with a gain. Fields that no setter would accept count as their nearest legal value.
+  // Adds an enabled band with a gain. A gain, a bandwidth or a rolloff that no setter would accept counts as the
+  // nearest legal one, so everything below a full cut is a full cut; frequencies count as they are.
   void Add(const EqBand& band);
 
   std::int32_t operator[](int point) const { return points_[static_cast<std::size_t>(point)]; }
@@ -27,10 +28,12 @@ class EqResponse {
 
  private:
   static constexpr int kTableLength = 1000;
+  struct Shelf;
 
   void AddBell(const EqBand& band);
-  void AddLowShelf(const EqBand& band);
-  void AddHighShelf(const EqBand& band);
+  void AddLowShelf(const Shelf& shelf);
+  void AddHighShelf(const Shelf& shelf);
+  void AddPlateau(const Shelf& shelf, int point, int direction);
   void AddAt(int point, std::int32_t value);
 
   std::array<std::int32_t, kTableLength> rising_cosine_;  // half a period, 0 to 2047
