@@ -14,5 +14,6 @@ std::wstring TenthsText(INT32 tenths);  // one decimal
 
 // The number in an edit box, of which at most so many characters count. 0 when it is none.
 INT32 ReadInteger(HWND edit, int max_length);
+double ReadNumber(HWND edit, int max_length);
 
 }  // namespace tervan::ui
