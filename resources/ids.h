@@ -134,6 +134,11 @@
 #define IDS_MENU_ABOUT 516
 #define IDS_STRIP_BYPASS 517
 
+// EQ page: list entries, the first one's number plus the mode less 1; what the label of the third slider reads
+#define IDS_EQ_MODE_FIRST 3001
+#define IDS_EQ_BANDWIDTH_LABEL 3004
+#define IDS_EQ_ROLLOFF_LABEL 3005
+
 // List entries of the dither page: the first one's number plus the setting
 #define IDS_DITHER_DEPTH_FIRST 6010
 #define IDS_DITHER_TYPE_FIRST 6020

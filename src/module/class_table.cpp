@@ -7,6 +7,7 @@
 #include "effects/dither/dither_filter.h"
 #include "effects/dither/dither_page.h"
 #include "effects/eq/eq_filter.h"
+#include "effects/eq/eq_page.h"
 #include "effects/gate/gate_filter.h"
 #include "effects/gate/gate_page.h"
 
@@ -28,6 +29,7 @@ constexpr ClassTemplate kClasses[] = {
     {kDitherPageName, &kDitherTraits.page_clsid, Create<DitherPage>, nullptr},
     {kCompressorFilterName, &kCompressorTraits.filter_clsid, Create<CompressorFilter>, &kCompressorFilterSetup},
     {kEqFilterName, &kEqTraits.filter_clsid, Create<EqFilter>, &kEqFilterSetup},
+    {kEqPageName, &kEqTraits.page_clsid, Create<EqPage>, nullptr},
     {kGateFilterName, &kGateTraits.filter_clsid, Create<GateFilter>, &kGateFilterSetup},
     {kGatePageName, &kGateTraits.page_clsid, Create<GatePage>, nullptr},
 };

@@ -111,14 +111,14 @@ INT_PTR EffectPage::OnReceiveMessage(HWND dialog, UINT message, WPARAM wparam, L
   switch (message) {
     case WM_INITDIALOG: return Initialise(), TRUE;
     case WM_COMMAND:
-      if (HasControl()) OnPageCommand(LOWORD(wparam), HIWORD(wparam));
+      if (IsLive()) OnPageCommand(LOWORD(wparam), HIWORD(wparam));
       return TRUE;
     case WM_HSCROLL:
     case WM_VSCROLL:
-      if (HasControl()) OnScroll(message, static_cast<ScrollCode>(LOWORD(wparam)), reinterpret_cast<HWND>(lparam));
+      if (IsLive()) OnScroll(message, static_cast<ScrollCode>(LOWORD(wparam)), reinterpret_cast<HWND>(lparam));
       return TRUE;
     case WM_TIMER:
-      if (HasControl()) OnTimer();
+      if (IsLive()) OnTimer();
       return TRUE;
     case WM_CONTEXTMENU:
       is_menu_open_ = true;
@@ -135,7 +135,8 @@ INT_PTR EffectPage::OnReceiveMessage(HWND dialog, UINT message, WPARAM wparam, L
 void EffectPage::Initialise() {
   if (HasControl()) SetNotifyWindow(Dialog(), ID_FILTER_CHANGED);
   SetUpLogoStrip();
-  if (!OnInitPage()) return;
+  is_filled_ = OnInitPage();
+  if (!is_filled_) return;
   ShowValues(kAllControls, Refresh::kOthers);
   for (const UINT_PTR timer : description_.timers) SetTimer(Dialog(), timer, kTimerPeriodMs, nullptr);
 }
@@ -151,6 +152,7 @@ void EffectPage::LeaveControls() {
 
 void EffectPage::Destroyed() {
   LeaveControls();
+  is_filled_ = false;
   if (is_menu_open_) EndMenu();  // nobody is left to take the choice
   about_box_.Close();
   CloseHelpPopup(help_popup_);
@@ -177,15 +179,16 @@ void EffectPage::OnContextHelp(const HELPINFO& help) {
   if (help.iCtrlId == 0 || help.iCtrlId == -1) return;
   for (const HelpTopic& row : description_.help_topics) {
     if (row.control_id != help.iCtrlId) continue;
+    const int topic = TopicInstead(row.topic);
     if (help_files_.win_help.empty()) help_files_ = LocateHelpFiles();
     const auto control = static_cast<HWND>(help.hItemHandle);
     if (FileExists(help_files_.win_help) &&
-        WinHelpW(Dialog(), help_files_.win_help.c_str(), HELP_CONTEXTPOPUP, row.topic)) {
+        WinHelpW(Dialog(), help_files_.win_help.c_str(), HELP_CONTEXTPOPUP, topic)) {
       return;
     }
     RECT bounds;
     if (!GetWindowRect(control, &bounds)) bounds = {help.MousePos.x, help.MousePos.y, help.MousePos.x, help.MousePos.y};
-    help_popup_ = ShowHelpPopup(Dialog(), bounds, ResourceText(kTopicStringBase + row.topic));
+    help_popup_ = ShowHelpPopup(Dialog(), bounds, ResourceText(kTopicStringBase + topic));
     return;
   }
 }

@@ -68,7 +68,7 @@ class EffectPage : public directshow::PropertyPage {
   virtual void DropControl() = 0;
   virtual void SetNotifyWindow(HWND window, int command_id) = 0;
 
-  // The hooks of a page. All but the first are called with a control interface only. Whatever reaches the filter may
+  // The hooks of a page. All but the first are called on a live page only. Whatever reaches the filter may
   // reach the host's recorder, which may close the page: a hook holds the interface for as long as it works.
   // Fills the controls; there may be no control interface yet. False: there is nothing to show or to poll.
   virtual bool OnInitPage() = 0;
@@ -78,6 +78,8 @@ class EffectPage : public directshow::PropertyPage {
   virtual void OnCommand(int /*id*/, int /*code*/) {}
   virtual void OnScroll(UINT /*message*/, ScrollCode /*code*/, HWND /*slider*/) {}
   virtual void OnTimer() {}
+  // The topic to show in place of the one that the table has for a control. Also called when the page is not live.
+  virtual int TopicInstead(int topic) { return topic; }
 
   HRESULT OnConnect(IUnknown* object) final;
   HRESULT OnDisconnect() final;
@@ -85,9 +87,11 @@ class EffectPage : public directshow::PropertyPage {
   HRESULT OnDeactivate() final;
   INT_PTR OnReceiveMessage(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) final;
 
-  // RefreshControls, unless the page has been disconnected.
+  // Its controls are there and show a filter. Any call of the filter may end that.
+  bool IsLive() const { return is_filled_ && HasControl(); }
+  // RefreshControls, as long as the page is live.
   void ShowValues(int id, Refresh refresh) {
-    if (HasControl()) RefreshControls(id, refresh);
+    if (IsLive()) RefreshControls(id, refresh);
   }
 
   const PageDescription& description() const { return description_; }
@@ -112,6 +116,7 @@ class EffectPage : public directshow::PropertyPage {
   HelpFiles help_files_;
   HWND help_popup_ = nullptr;  // the last one, be it still there or not
   AboutBox about_box_;
+  bool is_filled_ = false;  // OnInitPage is through
   bool is_menu_open_ = false;
   std::array<ImageList, 3> bypass_images_;
 };
