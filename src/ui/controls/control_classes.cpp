@@ -1,6 +1,7 @@
 #include "ui/controls/control_classes.h"
 
 #include "ui/control_window.h"
+#include "ui/controls/eq_graph.h"
 #include "ui/controls/logo_strip.h"
 #include "ui/controls/meter_control.h"
 #include "ui/controls/slider_control.h"
@@ -21,6 +22,7 @@ struct Row {
 constexpr Row kClasses[] = {
     {&kFaderClass, nullptr},  {&kTrackbarClass, nullptr},        {&kMeterClass, nullptr},
     {&kStaticClass, nullptr}, {&kLogoClass, ChooseLogoPictures},
+    {&kEqGraphClass, nullptr},
 };
 
 }  // namespace
