@@ -6,6 +6,7 @@
 #include "ui/controls/meter_control.h"
 #include "ui/controls/slider_control.h"
 #include "ui/controls/static_control.h"
+#include "ui/controls/tab_strip.h"
 
 namespace tervan::ui {
 namespace {
@@ -20,9 +21,8 @@ struct Row {
 
 // In the order of registration and of its undoing.
 constexpr Row kClasses[] = {
-    {&kFaderClass, nullptr},  {&kTrackbarClass, nullptr},        {&kMeterClass, nullptr},
-    {&kStaticClass, nullptr}, {&kLogoClass, ChooseLogoPictures},
-    {&kEqGraphClass, nullptr},
+    {&kFaderClass, nullptr},           {&kTrackbarClass, nullptr}, {&kMeterClass, nullptr},   {&kStaticClass, nullptr},
+    {&kLogoClass, ChooseLogoPictures}, {&kTabStripClass, nullptr}, {&kEqGraphClass, nullptr},
 };
 
 }  // namespace
