@@ -75,7 +75,7 @@ LRESULT EqGraph::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_KILLFOCUS: owns_alt_ = false; break;
     case WM_DESTROY:
       if (has_menu_open_) EndMenu();  // it does not outlive its graph
-      EndGesture(GestureEnd::kAbandoned);
+      EndGesture(GestureEnd::kCancelled);
       TellEnd();
       return 0;
     default:
@@ -128,7 +128,7 @@ void EqGraph::RemoveCurve(EqCurve* curve) {
   scale_ = ScaleOver(curves_, scale_.plot);
   Invalidate();
   Announce(EVENT_OBJECT_REORDER);
-  if (gesture_ && !IsListed(gesture_->curve)) EndGesture(GestureEnd::kAbandoned);
+  if (gesture_ && !IsListed(gesture_->curve)) EndGesture(GestureEnd::kCurveGone);
 }
 
 void EqGraph::Select(EqCurve& curve, std::uint32_t node) {
@@ -228,7 +228,7 @@ void EqGraph::EndGesture(GestureEnd end) {
   gesture_.reset();
   if (ended.dragged_node) ended.curve->backup = nullptr;
   if (GetCapture() == window()) ReleaseCapture();
-  if (ended.dragged_node && end != GestureEnd::kAbandoned) {
+  if (ended.dragged_node && end != GestureEnd::kCurveGone) {
     if (end == GestureEnd::kCancelled) {
       std::ranges::copy(ended.backup, ended.curve->nodes);
       MarkSelected(*ended.curve, ended.curve->selected_node);  // the owner may have chosen another one meanwhile

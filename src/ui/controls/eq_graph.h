@@ -46,7 +46,7 @@ class EqGraph final : public ControlWindow {
   enum class GestureEnd {
     kReleased,
     kCancelled,  // the nodes go back
-    kAbandoned,  // curve or graph go: the nodes stay, nothing but the end is told
+    kCurveGone,  // the nodes stay, nothing but the end is told
   };
 
   // Messages of the owner.
