@@ -149,6 +149,7 @@ EffectRow EqRow() {
       .control_iid = Id(L"{bfeb9e9d-25e6-401e-bafd-6b8785c43053}"),
       .format_slot = 5,
       .replaced_code = 100,
+      .page_name = L"LmTEQ Property Page",
       .loaded = loaded,
       .forms = {{120, Id(kEqTag), 25, {0}}, {124, Id(kEqTag), 0, {}}, {120, Id(kCompressorTag), 0, {}}},
       .params = EqParams(),
