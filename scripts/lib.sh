@@ -7,7 +7,7 @@ cache=${XDG_CACHE_HOME:-$HOME/.cache}/tervanfx
 
 # Every package, once, by what it is for.
 packages_build=(g++ cmake ninja-build python3 libgtest-dev)
-packages_test=(python3-pytest)
+packages_test=(python3-pytest python3-fonttools)
 packages_native=(libbenchmark-dev clang-format)
 packages_sanitize=(clang llvm libclang-rt-14-dev)
 packages_x64=(g++-mingw-w64-x86-64-posix fp-utils)

@@ -7,34 +7,39 @@
 #include "ui/controls/meter_messages.h"
 #include "ui/controls/slider_messages.h"
 #include "ui/controls/static_messages.h"
+#include "ui/controls/tab_strip_messages.h"
 
 namespace tervan::test {
 namespace {
+
+constexpr UINT kGlobalStyle = CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW;
 
 struct ClassRow {
   const wchar_t* name;
   bool sets_its_cursor;
   int extra_pointers;
+  UINT style = kGlobalStyle;
 };
-constexpr ClassRow kClasses[] = {{ui::kFaderClassName, true, 1},
-                                 {ui::kTrackbarClassName, false, 1},
-                                 {ui::kMeterClassName, false, 1},
-                                 {ui::kStaticClassName, false, 2},
-                                 {ui::kLogoClassName, false, 1}};
+constexpr ClassRow kClasses[] = {
+    {ui::kFaderClassName, true, 1},  {ui::kTrackbarClassName, false, 1},
+    {ui::kMeterClassName, false, 1}, {ui::kStaticClassName, false, 2},
+    {ui::kLogoClassName, false, 1},  {ui::kTabStripClassName, false, 1, CS_HREDRAW | CS_VREDRAW}};
 
 class ControlClassesTest : public ControlTest {
  protected:
   void Hear(UINT, WPARAM, LPARAM) override {}
 };
 
-TEST_F(ControlClassesTest, AnyModuleOfTheProgramCanUseThem) {
+TEST_F(ControlClassesTest, AnyModuleOfTheProgramCanUseThoseThatAreGlobal) {
   for (const ClassRow& row : kClasses) {
     WNDCLASSEXW found = {};
     found.cbSize = sizeof found;
-    ASSERT_TRUE(GetClassInfoExW(GetModuleHandleW(nullptr), row.name, &found)) << row.name;
-    EXPECT_EQ(found.style, UINT{CS_GLOBALCLASS | CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW});
+    ASSERT_TRUE(GetClassInfoExW(TheModule(), row.name, &found)) << row.name;
+    EXPECT_EQ(found.style, row.style);
     EXPECT_EQ(found.cbWndExtra, row.extra_pointers * static_cast<int>(sizeof(void*)));
     EXPECT_EQ(found.hCursor, row.sets_its_cursor ? nullptr : LoadCursorW(nullptr, IDC_ARROW));
+    const bool is_global = (row.style & CS_GLOBALCLASS) != 0;
+    EXPECT_EQ(GetClassInfoExW(GetModuleHandleW(nullptr), row.name, &found) != FALSE, is_global) << row.name;
   }
 }
 

@@ -65,15 +65,18 @@ class Painter {
     canvas_.Fill({0, 1, client.right, kGroove_px}, palette_.highlight);
   }
 
-  // The groove leads around it, so that the box's inside goes on in the tab.
+  // The groove turns down at its sides, so that the box's inside goes on in the tab.
   void PaintOpen(Rect tab) {
     const int radius_px = At(kRadius_px);
     const Colour lip = scene_.is_enabled ? palette_.accent : Edge();
     canvas_.FillRounded(Hanging(tab, 0), radius_px, lip, lip);
     const Rect body = Hanging(tab, At(kLip_px));
     canvas_.FillRounded(body, radius_px, palette_.face, palette_.face);
-    canvas_.StrokeRounded({body.left + 1, body.top, body.right, body.bottom}, radius_px, 1, palette_.highlight);
-    canvas_.StrokeRounded({body.left, body.top, body.right - 1, body.bottom - 1}, radius_px, 1, palette_.shadow);
+    const int side_bottom = body.bottom - radius_px;
+    canvas_.Fill({body.left, 0, body.left + 1, side_bottom}, palette_.shadow);
+    canvas_.Fill({body.left + 1, 0, body.left + kGroove_px, side_bottom}, palette_.highlight);
+    canvas_.Fill({body.right - kGroove_px, 0, body.right - 1, side_bottom}, palette_.shadow);
+    canvas_.Fill({body.right - 1, 1, body.right, side_bottom}, palette_.highlight);
     if (!scene_.is_focused) return;
     const Rect ring = {tab.left, 0, tab.right, body.bottom};
     canvas_.StrokeRounded(ring.Inset(At(kFocusInset_px)), radius_px - 1, At(1), palette_.accent);
