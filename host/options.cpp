@@ -50,6 +50,7 @@ With several inputs the output is a pattern: {name} stands for the input's name,
 
 Options of page
   --picture FILE.png             takes a picture of the window after a second and closes it
+  --open about|menu              with the about box open, or with the page's menu and its presets
   --automation FILE.csv          as above, in stream time: loops do not begin it again
   --load-state, --save-state, --force
                                  as above; settings are saved as they are when the window is closed
@@ -81,10 +82,10 @@ struct OptionUse {
   bool by_render;
   bool by_page;
 };
-constexpr std::array kOptionUses{OptionUse{"--effect", true, false},    OptionUse{"--path", true, false},
-                                 OptionUse{"--bits", true, false},      OptionUse{"--automation", true, true},
-                                 OptionUse{"--load-state", true, true}, OptionUse{"--save-state", true, true},
-                                 OptionUse{"--force", true, true},      OptionUse{"--picture", false, true}};
+constexpr std::array kOptionUses{
+    OptionUse{"--effect", true, false},    OptionUse{"--path", true, false},      OptionUse{"--bits", true, false},
+    OptionUse{"--automation", true, true}, OptionUse{"--load-state", true, true}, OptionUse{"--save-state", true, true},
+    OptionUse{"--force", true, true},      OptionUse{"--picture", false, true},   OptionUse{"--open", false, true}};
 
 [[noreturn]] void Fail(const std::string& message) { throw UsageError(message); }
 
@@ -147,6 +148,10 @@ class Parser {
       options_.automation_path = Value(name);
     } else if (name == "--picture") {
       options_.picture_path = Value(name);
+    } else if (name == "--open") {
+      const std::string value = Value(name);
+      if (value != "about" && value != "menu") Fail("--open takes about or menu, not " + Quoted(value));
+      options_.opening = value == "menu" ? PageOpening::kMenu : PageOpening::kAboutBox;
     } else if (name == "--load-state") {
       load_state_path_ = Value(name);
     } else if (name == "--save-state") {
@@ -218,6 +223,7 @@ class Parser {
 
   void TakePage() {
     if (words_.size() < 2 || words_.size() > 3) Fail("page takes an effect and at most one input file");
+    if (options_.opening != PageOpening::kNothing && options_.picture_path.empty()) Fail("--open needs a --picture");
     options_.effects.push_back(ParseEffectRequest(words_[1]));
     options_.inputs.assign(words_.begin() + 2, words_.end());
   }

@@ -13,6 +13,7 @@ namespace tervan::host {
 
 enum class Command { kHelp, kVersion, kList, kDescribe, kRender, kPage, kRegister, kUnregister };
 enum class RenderPath { kGraph, kDirect };
+enum class PageOpening { kNothing, kAboutBox, kMenu };  // before its picture is taken
 
 struct Options {
   Command command = Command::kHelp;
@@ -28,6 +29,7 @@ struct Options {
   std::optional<SampleType> word_length;  // integers to write; nothing: what the effects worked on
   std::string automation_path;            // empty: none
   std::string picture_path;               // likewise
+  PageOpening opening = PageOpening::kNothing;
   bool force = false;
 };
 

@@ -6,7 +6,6 @@
 
 #include <deque>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "host/automation_csv.h"
@@ -16,19 +15,16 @@
 #include "host/failure.h"
 #include "host/json_writer.h"
 #include "host/output_file.h"
+#include "host/page_photographer.h"
 #include "host/playback.h"
 #include "host/property_frame.h"
 #include "host/stored_states.h"
 #include "host/text.h"
-#include "host/window_picture.h"
 
 namespace tervan::host {
 namespace {
 
 using directshow::ComPtr;
-
-// Time for the page to paint, and for its meters to have something to show.
-constexpr ULONGLONG kBeforePictureMs = 1000;
 
 std::vector<CLSID> PagesOf(const EffectInstance& effect, const Module& module) {
   const std::string name(effect.Type().name);
@@ -44,35 +40,6 @@ std::vector<CLSID> PagesOf(const EffectInstance& effect, const Module& module) {
   }
   return clsids;
 }
-
-// Takes one picture of a window from within its message loop.
-class Photographer {
- public:
-  // False once the picture is taken.
-  bool Tick(HWND window) {
-    if (first_tick_ms_ == 0) first_tick_ms_ = GetTickCount64();
-    if (GetTickCount64() - first_tick_ms_ < kBeforePictureMs) return true;
-    // What is painted now is on the screen when the message loop comes round again.
-    if (!std::exchange(is_ready_, true)) {
-      SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-      SetForegroundWindow(window);
-      RedrawWindow(window, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
-      return true;
-    }
-    picture_ = PictureOf(window);
-    return false;
-  }
-  // Throws a Failure when somebody closed the window before.
-  const std::vector<std::uint8_t>& Picture() const {
-    if (picture_.empty()) throw Failure("the window was closed before its picture was taken");
-    return picture_;
-  }
-
- private:
-  ULONGLONG first_tick_ms_ = 0;
-  bool is_ready_ = false;
-  std::vector<std::uint8_t> picture_;
-};
 
 // Everything that would fail at the end anyway fails before the window opens.
 void CheckOutputs(const Options& options, std::span<const StateFile> states) {
@@ -110,7 +77,7 @@ int ShowPage(const Options& options) {
   std::optional<Playback> playback;
   if (!options.inputs.empty()) playback.emplace(options.inputs.front(), chain);
 
-  Photographer photographer;
+  PagePhotographer photographer(options.opening);
   const auto on_tick = [&](HWND frame) {
     ThrowIfInterrupted();
     if (playback) playback->Check();

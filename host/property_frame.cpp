@@ -53,7 +53,15 @@ class FrameWatch {
       error_ = std::current_exception();
       is_closing_ = true;
     }
-    if (is_closing_) PostMessageW(frame_, WM_CLOSE, 0, 0);
+    if (is_closing_) Close();
+  }
+
+  // The frame does not go before the menu or the box over it.
+  void Close() const {
+    EndMenu();
+    const HWND box = GetLastActivePopup(frame_);
+    if (box != frame_) PostMessageW(box, WM_CLOSE, 0, 0);
+    PostMessageW(frame_, WM_CLOSE, 0, 0);
   }
 
   const std::function<bool(HWND)>& on_tick_;

@@ -24,7 +24,7 @@ struct BitmapDeleter {
 };
 using Bitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, BitmapDeleter>;
 
-// From the screen, not from the window: that shows what a user sees, whoever draws the frame.
+// From the screen, not from a window: that shows what a user sees, whoever draws the frame.
 Bitmap CopyFromScreen(const RECT& area) {
   const int width_px = area.right - area.left, height_px = area.bottom - area.top;
   const HDC screen = GetDC(nullptr);
@@ -41,9 +41,7 @@ Bitmap CopyFromScreen(const RECT& area) {
 
 }  // namespace
 
-std::vector<std::uint8_t> PictureOf(HWND window) {
-  RECT area{};
-  GetWindowRect(window, &area);
+std::vector<std::uint8_t> PictureOf(const RECT& area) {
   const Bitmap pixels = CopyFromScreen(area);
 
   ComPtr<IWICImagingFactory> factory;

@@ -1,4 +1,4 @@
-// Pictures of windows.
+// Pictures of windows as they stand on the screen.
 #pragma once
 
 #include <windows.h>
@@ -8,7 +8,7 @@
 
 namespace tervan::host {
 
-// The window with its frame as it stands on the screen, as the bytes of a PNG file. Throws a Failure.
-std::vector<std::uint8_t> PictureOf(HWND window);
+// What the screen shows there, as the bytes of a PNG file. Throws a Failure.
+std::vector<std::uint8_t> PictureOf(const RECT& area);
 
 }  // namespace tervan::host

@@ -44,6 +44,16 @@ def test_picture_of_a_page_and_its_settings_at_the_end(host, effect, arguments, 
     assert host.read("shown") == host.read("expected")
 
 
+def test_pictures_of_what_the_page_opens(host):
+    pictures = set()
+    for opening in ([], ["--open", "about"], ["--open", "menu"]):
+        result = host.show("page", "gate", "--picture", "page.png", "--force", *opening)
+        assert (result.code, result.out) == (0, "wrote page.png\n")
+        png_size(host.read("page.png"))
+        pictures.add(host.read("page.png"))
+    assert len(pictures) == 3
+
+
 @pytest.mark.parametrize(
     "code, arguments, sentence",
     [
@@ -53,6 +63,8 @@ def test_picture_of_a_page_and_its_settings_at_the_end(host, effect, arguments, 
         (1, ["page", "gate:threshold=1"], "-80 to 0 dB"),
         (1, ["page", "gate", "--bits", "16"], "belongs to render"),
         (1, ["list", "--picture", "page.png"], "belongs to page"),
+        (1, ["page", "gate", "--picture", "page.png", "--open", "help"], "about or menu"),
+        (1, ["page", "gate", "--open", "menu"], "--picture"),
         (1, ["page", "gate", "in.wav", "--picture", "in.wav", "--force"], "an input as well"),
         (1, ["page", "gate:save=page.png", "--picture", "page.png"], "twice"),
         (2, ["page", "gate", "--picture", "in.wav"], "--force"),
