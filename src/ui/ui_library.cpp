@@ -19,6 +19,7 @@ struct FontChoice {
 };
 constexpr FontChoice kTitle{L"Tahoma", 13, FW_BOLD};
 constexpr FontChoice kSmall{L"Tahoma", 11, FW_NORMAL};
+constexpr FontChoice kScale{L"Tahoma", 10, FW_NORMAL};
 
 HFONT MakeFont(const FontChoice& choice) {
   return CreateFontW(-AtDpi(choice.height_px, ScreenDpi()), 0, 0, 0, choice.weight, FALSE, FALSE, FALSE,
@@ -49,6 +50,7 @@ class SharedFont {
 
 SharedFont title_font(kTitle);
 SharedFont small_font(kSmall);
+SharedFont scale_font(kScale);
 
 }  // namespace
 
@@ -57,6 +59,7 @@ void StartUi(HINSTANCE module) { resource_module = module; }
 void EndUi() {
   title_font.Release();
   small_font.Release();
+  scale_font.Release();
   resource_module = nullptr;
 }
 
@@ -68,6 +71,7 @@ std::wstring ResourceText(UINT string_id) {
 
 HFONT TitleFont() { return title_font.Get(); }
 HFONT SmallFont() { return small_font.Get(); }
+HFONT ScaleFont() { return scale_font.Get(); }
 
 // A resource's cursor is the system's to share and to free.
 HCURSOR HandCursor() {

@@ -18,6 +18,7 @@ std::wstring ResourceText(UINT string_id);  // empty when there is none
 // These belong to the library; null when the system is out of them. [window threads]
 HFONT TitleFont();
 HFONT SmallFont();
+HFONT ScaleFont();  // numbers along an axis
 HCURSOR HandCursor();
 
 }  // namespace tervan::ui

@@ -161,9 +161,7 @@ EqPage::EqPage(IUnknown* outer) noexcept : AutomatedPageFor(outer, kDescription)
 bool EqPage::OnInitPage() {
   if (!graph_.Create(Dialog(), IDC_EQ_GRAPH)) return false;
   if (!tabs_.Create(Dialog(), IDC_EQ_TABS, IDC_EQ_BAND_BOX, IDC_EQ_WIDTH_EDIT)) return false;
-  for (int id = IDC_EQ_FIRST_SCALE_LABEL; id <= IDC_EQ_LAST_SCALE_LABEL; ++id) {
-    Send(id, WM_SETFONT, reinterpret_cast<WPARAM>(ui::SmallFont()), TRUE);
-  }
+  SetUpScaleLabels();
   SetRange(IDC_EQ_GAIN, kGainRange);
   SetRange(IDC_EQ_WIDTH, kBandwidthRange);
   SetRange(IDC_EQ_FREQUENCY, kFrequencyRange);
@@ -172,6 +170,19 @@ bool EqPage::OnInitPage() {
   }
   ui::SendPressCommands(ControlOf(IDC_EQ_ENABLED), kEnabledPress);
   return true;
+}
+
+void EqPage::SetUpScaleLabels() const {
+  for (int id = IDC_EQ_FIRST_SCALE_LABEL; id <= IDC_EQ_LAST_SCALE_LABEL; ++id) {
+    Send(id, WM_SETFONT, reinterpret_cast<WPARAM>(ui::ScaleFont()), TRUE);
+  }
+  // Some fonts' signs are wide: the gains take the room up to the edge.
+  for (int id = IDC_EQ_FIRST_GAIN_LABEL; id <= IDC_EQ_LAST_SCALE_LABEL; ++id) {
+    RECT bounds;
+    if (!GetWindowRect(ControlOf(id), &bounds)) continue;
+    MapWindowPoints(nullptr, Dialog(), reinterpret_cast<POINT*>(&bounds), 2);
+    MoveWindow(ControlOf(id), 0, bounds.top, bounds.right, bounds.bottom - bounds.top, FALSE);
+  }
 }
 
 void EqPage::SetRange(int slider_id, const EqSliderRange& range) const {

@@ -33,6 +33,7 @@ class EqPage final : public ui::AutomatedPageFor<IEqSettings> {
   void OnTimer() override;
   int TopicInstead(int topic) override;
 
+  void SetUpScaleLabels() const;
   void SetRange(int slider_id, const EqSliderRange& range) const;
 
   // Parts of a refresh.
