@@ -1,5 +1,6 @@
 #include "host/page_photographer.h"
 
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -16,16 +17,17 @@ constexpr ULONGLONG kOpeningMs = 500;
 
 constexpr WPARAM kAboutCommand = 41001;  // of every page
 
-// The innermost dialog of the frame. Children come after their parents.
+// Children come after their parents, so the innermost dialog comes last.
+BOOL CALLBACK KeepDialog(HWND window, LPARAM found) {
+  wchar_t name[16] = {};
+  GetClassNameW(window, name, static_cast<int>(std::size(name)));
+  if (std::wstring_view(name) == L"#32770" && IsWindowVisible(window)) *reinterpret_cast<HWND*>(found) = window;
+  return TRUE;
+}
+
 HWND PageIn(HWND frame) {
   HWND page = frame;
-  const auto keep_dialog = [](HWND window, LPARAM found) -> BOOL {
-    wchar_t name[16] = {};
-    GetClassNameW(window, name, static_cast<int>(std::size(name)));
-    if (std::wstring_view(name) == L"#32770" && IsWindowVisible(window)) *reinterpret_cast<HWND*>(found) = window;
-    return TRUE;
-  };
-  EnumChildWindows(frame, keep_dialog, reinterpret_cast<LPARAM>(&page));
+  EnumChildWindows(frame, KeepDialog, reinterpret_cast<LPARAM>(&page));
   return page;
 }
 
@@ -34,18 +36,19 @@ struct WindowsOnScreen {
   RECT bounds{};
 };
 
+BOOL CALLBACK AddVisible(HWND window, LPARAM sum) {
+  auto& [count, bounds] = *reinterpret_cast<WindowsOnScreen*>(sum);
+  RECT area{};
+  if (!IsWindowVisible(window) || !GetWindowRect(window, &area)) return TRUE;
+  ++count;
+  UnionRect(&bounds, &bounds, &area);
+  return TRUE;
+}
+
 // Those of this thread: the frame, and the boxes and menus over it.
 WindowsOnScreen OwnWindows() {
   WindowsOnScreen windows;
-  const auto add = [](HWND window, LPARAM sum) -> BOOL {
-    auto& [count, bounds] = *reinterpret_cast<WindowsOnScreen*>(sum);
-    RECT area{};
-    if (!IsWindowVisible(window) || !GetWindowRect(window, &area)) return TRUE;
-    ++count;
-    UnionRect(&bounds, &bounds, &area);
-    return TRUE;
-  };
-  EnumThreadWindows(GetCurrentThreadId(), add, reinterpret_cast<LPARAM>(&windows));
+  EnumThreadWindows(GetCurrentThreadId(), AddVisible, reinterpret_cast<LPARAM>(&windows));
   return windows;
 }
 
