@@ -16,26 +16,25 @@ namespace {
 constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
 
-long Ratio(double number, double numerator, double denominator) {
-  return std::lround(number * numerator / denominator);
+int Ratio(double number, double numerator, double denominator) {
+  return static_cast<int>(std::lround(number * numerator / denominator));
 }
 
 // The drawing rules, step by step, in floating point.
-void AddPlainly(std::vector<long>& curve, const EqBand& band) {
-  const long g = std::clamp(band.gain, -150, 150);
+void AddPlainly(std::vector<int>& curve, const EqBand& band) {
+  const int g = std::clamp(band.gain, -150, 150);
   if (band.enable == 0 || g == 0) return;
-  const auto add = [&curve](long point, long value) {
+  const auto add = [&curve](int point, int value) {
     if (point >= 0 && point <= 1000) curve[static_cast<std::size_t>(point)] += value;
   };
-  const long c = band.frequency <= 0 ? 0 : std::lround(1000 * std::log10(band.frequency / 20.0) / 3);  // three decades
+  const int c = band.frequency <= 0 ? 0 : Ratio(1000, std::log10(band.frequency / 20.0), 3);  // three decades
   if (band.mode == 2) {
-    const long half = std::clamp(band.bandwidth, 1, 40) * 5;
-    const auto bell = [g](long i) {
-      return Ratio(static_cast<double>(g), std::trunc(1024 * (1 + std::cos(std::numbers::pi * (i - 1000) / 1000))),
-                   150);
+    const int half = std::clamp(band.bandwidth, 1, 40) * 5;
+    const auto bell = [g](int i) {
+      return Ratio(g, std::trunc(1024 * (1 + std::cos(std::numbers::pi * (i - 1000) / 1000))), 150);
     };
-    for (long j = 0; j < half; ++j) {
-      const long value = bell(Ratio(j, 1000, half));
+    for (int j = 0; j < half; ++j) {
+      const int value = bell(Ratio(j, 1000, half));
       if (c - half + j > 0) add(c - half + j, value);
       add(c + half - j, value);
     }
@@ -43,21 +42,21 @@ void AddPlainly(std::vector<long>& curve, const EqBand& band) {
   }
 
   const bool cuts_fully = g == -150;
-  const long slope = std::array{7, 15, 22, 29}[static_cast<std::size_t>(std::clamp(band.rolloff, 1, 4) - 1)];
-  const long a = std::labs(g) == 150 ? g / 150 * 2051 : Ratio(g, 2048, 150);
-  const long length = std::labs(a) / slope, middle = length / 2;
+  const int slope = std::array{7, 15, 22, 29}[static_cast<std::size_t>(std::clamp(band.rolloff, 1, 4) - 1)];
+  const int a = std::abs(g) == 150 ? g / 150 * 2051 : Ratio(g, 2048, 150);
+  const int length = std::abs(a) / slope, middle = length / 2;
   const bool is_low = band.mode < 2;
-  for (long j = -length; j < length; ++j) {
+  for (int j = -length; j < length; ++j) {
     if (cuts_fully && is_low != (j >= 0)) continue;
-    const long bend = Ratio(j, j, length), twice = is_low ? -2 * j : 2 * j;
+    const int bend = Ratio(j, j, length), twice = is_low ? -2 * j : 2 * j;
     add((is_low ? c - middle : c + length - middle) + j, Ratio(a, bend + twice + length, 2 * (bend + length)));
   }
-  long value = cuts_fully ? a / 2 : a;
-  const long fall = cuts_fully ? slope : 0, reach = middle + (cuts_fully ? 0 : length);
+  int value = cuts_fully ? a / 2 : a;
+  const int fall = cuts_fully ? slope : 0, reach = middle + (cuts_fully ? 0 : length);
   if (is_low) {
-    for (long p = c - reach - 1; p >= 0; --p, value -= value > 4 * a ? fall : 0) add(p, value);
+    for (int p = c - reach - 1; p >= 0; --p, value -= value > 4 * a ? fall : 0) add(p, value);
   } else {
-    for (long p = c + reach + length % 2; p <= 1000; ++p, value -= value > 4 * a ? fall : 0) add(p, value);
+    for (int p = c + reach + length % 2; p <= 1000; ++p, value -= value > 4 * a ? fall : 0) add(p, value);
   }
 }
 
@@ -73,7 +72,7 @@ TEST(EqResponse, IsTheSumOfItsBandsShapes) {
   EqResponse response;
   for (int round = 0; round < 3000; ++round) {
     response.Clear();
-    std::vector<long> curve(1001);
+    std::vector<int> curve(1001);
     for (int bands = round % 4; bands >= 0; --bands) {
       const EqBand band{pick(frequencies, 20, 20000), pick(gains, -150, 150),      pick(widths, 1, 40),
                         pick(widths, 1, 4),           pick({1, 2, 3, 0, 4}, 1, 3), pick({0}, 0, 1)};
