@@ -43,6 +43,11 @@ HRESULT CompressorControl::PutMeters(const CompressorMeters& meters) {
   return S_OK;
 }
 
+void CompressorControl::PublishMeters(const CompressorMeters& meters) {
+  const LockGuard guard(lock_);
+  meters_.PutChunk(meters, clock_ != nullptr);
+}
+
 void CompressorControl::SetClock(std::shared_ptr<StreamClock> clock) {
   {
     const LockGuard guard(lock_);

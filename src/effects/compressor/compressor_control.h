@@ -46,7 +46,7 @@ class CompressorControl final : public RecordControl<CompressorSettings, Compres
   void ResetMeters();
   void AdvanceStreamTime(std::uint32_t frames, std::uint32_t sample_rate_hz);
 
-  void PublishMeters(const CompressorMeters& meters) override { PutMeters(meters); }
+  void PublishMeters(const CompressorMeters& meters) override;
   bool IsWatched() const override { return HasNotifyWindow(); }
 
  private:

@@ -109,6 +109,22 @@ TEST_F(CompressorControlTest, ChunksOfOneSampleShareItsEnd) {
   EXPECT_EQ(MetersAt(kSecond + kSecond / 2), Record(10));
 }
 
+TEST_F(CompressorControlTest, ChunksThatTheEnginePublishesAreOneRecordASample) {
+  StartClockedMeters();
+  control.PublishMeters(Record(3));  // at the start of the stream, where nothing is kept yet
+  control.AdvanceStreamTime(48000, 48000);
+  control.PublishMeters({1, 8, 3, 6, 0.5});
+  control.PublishMeters({2, 7, 4, 5, 0.25});
+  control.PublishMeters({0, 0, 0, 0, 1});
+  control.AdvanceStreamTime(48000, 48000);
+  control.PublishMeters(Record(20));
+  EXPECT_EQ(MetersAt(kSecond), (CompressorMeters{2, 8, 4, 6, 0.25}));
+  EXPECT_EQ(MetersAt(2 * kSecond), Record(20));
+  control.SetClock(nullptr);
+  control.PublishMeters(Record(5));
+  EXPECT_EQ(Meters(), Record(5)) << "the latest one is as it was published";
+}
+
 TEST_F(CompressorControlTest, OldestRecordsMakeWayAfterSixtyThree) {
   StartClockedMeters();
   for (int second = 1; second <= 100; ++second) PutAt(second, second);

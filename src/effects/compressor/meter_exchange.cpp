@@ -1,5 +1,6 @@
 #include "effects/compressor/meter_exchange.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tervan {
@@ -9,6 +10,12 @@ CompressorMeters Between(const CompressorMeters& a, const CompressorMeters& b, d
   const auto mix = [fraction](double from, double to) { return from + (to - from) * fraction; };
   return {mix(a.input_left, b.input_left), mix(a.input_right, b.input_right), mix(a.output_left, b.output_left),
           mix(a.output_right, b.output_right), mix(a.reduction, b.reduction)};
+}
+
+CompressorMeters Extremes(const CompressorMeters& a, const CompressorMeters& b) {
+  return {std::max(a.input_left, b.input_left), std::max(a.input_right, b.input_right),
+          std::max(a.output_left, b.output_left), std::max(a.output_right, b.output_right),
+          std::min(a.reduction, b.reduction)};
 }
 
 }  // namespace
@@ -23,6 +30,14 @@ void MeterExchange::Put(const CompressorMeters& meters, bool keep) {
   (*history_)[write_] = {meters, time_100ns_};
   write_ = After(write_);
   if (write_ == read_) read_ = After(read_);
+}
+
+void MeterExchange::PutChunk(const CompressorMeters& meters, bool keep) {
+  const bool has_entries = history_ && write_ != read_;
+  Entry* const newest = has_entries ? &(*history_)[Before(write_)] : nullptr;
+  if (!keep || !newest || newest->time_100ns != time_100ns_) return Put(meters, keep);
+  latest_ = meters;
+  newest->meters = Extremes(newest->meters, meters);
 }
 
 CompressorMeters MeterExchange::At(std::int64_t now_100ns) {

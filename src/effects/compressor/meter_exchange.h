@@ -25,6 +25,10 @@ class MeterExchange {
   // keep: also append to the history, at the present stream time; the oldest record makes way.
   void Put(const CompressorMeters& meters, bool keep);
 
+  // The same for one chunk of several that share the end of their sample as their time: together they are one record,
+  // of the largest levels and the smallest gain, or the reader would never get past the first.
+  void PutChunk(const CompressorMeters& meters, bool keep);
+
   const CompressorMeters& latest() const { return latest_; }
 
   // The record at a time, interpolated between its neighbours; the idle one at time 0. Forgets the records before.
@@ -42,6 +46,7 @@ class MeterExchange {
   };
   using History = std::array<Entry, kEntries>;
   static constexpr std::size_t After(std::size_t index) { return (index + 1) % kEntries; }
+  static constexpr std::size_t Before(std::size_t index) { return (index + kEntries - 1) % kEntries; }
 
   CompressorMeters latest_ = kIdleMeters;
   std::unique_ptr<History> history_;
