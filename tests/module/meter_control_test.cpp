@@ -197,6 +197,36 @@ TEST_F(MeterControl, MarksThePeakOrTheValleyOfItsStyle) {
   EXPECT_THAT(marks(kMeterHoldPeaks, -7, -28, kMeterResetHolds), ElementsAre(Place(28)));
 }
 
+// A page tells a meter its levels many times a second, and most of the time nothing has changed.
+TEST_F(MeterControl, IsPaintedOnlyWhenTheTellingChangesItsPicture) {
+  MakeInputMeter();
+  const auto is_painted_for = [this](double left_db) {
+    const INT32 levels[] = {AtDb(left_db), 0};
+    Pass(kMeterSetLevels, MAKEWPARAM(0, 2), levels);
+    return GetUpdateRect(control, nullptr, FALSE) != FALSE;
+  };
+  EXPECT_TRUE(is_painted_for(-7));
+  UpdateWindow(control);
+  // Longer than a peak is held; yet it is the same peak, and so it is still held when the level falls.
+  for (const DWORD start = GetTickCount(); GetTickCount() - start < kMeterHoldMs + 200; Sleep(20)) {
+    EXPECT_FALSE(is_painted_for(-7));
+  }
+  EXPECT_TRUE(is_painted_for(-28));
+  const std::vector<COLORREF> marked = Row();
+  EXPECT_FALSE(is_painted_for(-28)) << "the marker is not due yet";
+  Sleep(kMeterHoldMs);
+  EXPECT_TRUE(is_painted_for(-28));
+  EXPECT_THAT(ChangesSince(marked), ElementsAre(Place(28), Place(7)));
+  const RECT corner = {0, 0, 5, 5};
+  for (const double db : {-14, -21}) {
+    is_painted_for(-14);
+    ValidateRect(control, nullptr);
+    InvalidateRect(control, &corner, FALSE);
+    UpdateWindow(control);
+    EXPECT_TRUE(is_painted_for(db)) << "only a corner of the last picture is there";
+  }
+}
+
 TEST_F(MeterControl, LeavesToThePageWhatIsNotItsOwn) {
   Make(kMeterClip);
   const LONG end = Bar().right;

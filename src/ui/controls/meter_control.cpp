@@ -18,6 +18,11 @@ constexpr std::size_t kMaxLabelFormat = 15;
 constexpr std::string_view kOneDecimal = "$.1f";
 constexpr int kKeyboardMenuOffsetPx = 16;
 
+bool Covers(const Rect& outer, const Rect& inner) {
+  return outer.left <= inner.left && outer.top <= inner.top && outer.right >= inner.right &&
+         outer.bottom >= inner.bottom;
+}
+
 }  // namespace
 
 const ControlClass kMeterClass = {
@@ -116,7 +121,7 @@ LRESULT MeterControl::SetValues(WPARAM wparam, LPARAM lparam, bool at_once, SetL
     const int count = std::min<int>(HIWORD(wparam), levels_.ChannelCount());
     for (int channel = 0; channel < count; ++channel) (levels_.*set)(channel, values[channel]);
   }
-  LevelsChanged(at_once);
+  LevelsChanged(at_once, !at_once && IsOnScreen());
   return 0;
 }
 
@@ -242,21 +247,21 @@ const MeterLook& MeterControl::Look() const {
 
 // A bar reaches from the quiet end to its level. What glows is the bar itself, or, for a gain reduction, what it lacks
 // to full scale: a compressor at rest is dark, and its reduction grows from the 0 dB end down.
-BarReadings MeterControl::Readings() const {
+BarReadings MeterControl::ReadingsOf(const MeterLevels& levels) const {
   const MeterLook& look = Look();
   const int length = look.layout.BarLength();
   const auto place_of = [&](std::int32_t level) { return look.scale.LitLength(level, length); };
   // No reduction is nothing to be marked.
   const auto marker_at = [&](const HeldLevel& held) {
     const int place = place_of(held.level);
-    return levels_.IsInverted() && place == length ? 0 : place;
+    return levels.IsInverted() && place == length ? 0 : place;
   };
   BarReadings readings{};
-  for (int channel = 0; channel < levels_.ChannelCount(); ++channel) {
-    const MeterChannel& state = levels_.Channel(channel);
+  for (int channel = 0; channel < levels.ChannelCount(); ++channel) {
+    const MeterChannel& state = levels.Channel(channel);
     BarReading& reading = readings[static_cast<std::size_t>(channel)];
     const int place = place_of(state.level);
-    if (!levels_.IsInverted()) {
+    if (!levels.IsInverted()) {
       reading.lit_to_px = place;
     } else if (state.has_signal) {
       reading.lit_from_px = place;
@@ -264,20 +269,23 @@ BarReadings MeterControl::Readings() const {
     }
     if (HasStyle(kMeterHoldPeaks)) reading.peak_px = marker_at(state.peak);
     if (HasStyle(kMeterHoldValleys)) reading.valley_px = marker_at(state.valley);
-    reading.is_clipped = levels_.IsClipped(channel);
+    reading.is_clipped = levels.IsClipped(channel);
   }
   return readings;
 }
 
-void MeterControl::LevelsChanged(bool at_once) {
-  const RECT well = ToRECT(Look().layout.well);
-  InvalidateRect(window(), &well, FALSE);
+void MeterControl::LevelsChanged(bool at_once, bool is_on_screen) {
+  if (!is_on_screen) {
+    const RECT well = ToRECT(Look().layout.well);
+    InvalidateRect(window(), &well, FALSE);
+  }
   if (at_once) UpdateWindow(window());
   AnnounceClips();
 }
 
 void MeterControl::LookChanged(bool at_once) {
   look_.reset();
+  on_screen_.reset();
   picture_.Discard();
   Invalidate();
   if (at_once) UpdateWindow(window());
@@ -293,19 +301,36 @@ void MeterControl::AnnounceClips() {
 
 LRESULT MeterControl::OnPaint() {
   const WindowPainting painting(window());
-  if (painting.Get()) Paint(painting.Get(), painting.Dirty());
+  if (!painting.Get()) return 0;
+  on_screen_.reset();
+  levels_.Hold(GetTickCount());
+  const BarReadings readings = ReadingsOf(levels_);
+  const bool is_whole = Covers(painting.Dirty(), Look().layout.well);
+  if (Paint(painting.Get(), painting.Dirty(), readings) && is_whole) on_screen_ = readings;
   return 0;
 }
 
 LRESULT MeterControl::OnPrint(HDC dc) {
-  Paint(dc, PartBounds(CHILDID_SELF));
+  levels_.Hold(GetTickCount());
+  Paint(dc, PartBounds(CHILDID_SELF), ReadingsOf(levels_));
   return 0;
 }
 
-void MeterControl::Paint(HDC dc, const Rect& dirty) {
-  levels_.Hold(GetTickCount());
+bool MeterControl::Paint(HDC dc, const Rect& dirty, const BarReadings& readings) {
   const MeterLook& look = Look();
-  if (picture_.Prepare(dc, look)) picture_.Show(dc, look, Readings(), dirty);
+  if (!picture_.Prepare(dc, look)) return false;
+  picture_.Show(dc, look, readings, dirty);
+  return true;
+}
+
+// A painting that would change no pixel is left out; the holding that goes with it is done. Pages tell a meter its
+// levels many times a second, and in silence they are always the same.
+bool MeterControl::IsOnScreen() {
+  MeterLevels held = levels_;
+  held.Hold(GetTickCount());
+  if (!on_screen_ || ReadingsOf(held) != *on_screen_) return false;
+  levels_ = held;
+  return true;
 }
 
 // Clicks where there is nothing to click on belong to the page.

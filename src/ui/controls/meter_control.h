@@ -44,7 +44,8 @@ class MeterControl final : public ControlWindow {
 
   LRESULT OnPaint();
   LRESULT OnPrint(HDC dc);
-  void Paint(HDC dc, const Rect& dirty);
+  bool Paint(HDC dc, const Rect& dirty, const BarReadings& readings);
+  bool IsOnScreen();
   LRESULT OnHitTest(Point screen) const;
   void OnPress(Point client);
   LRESULT OnKey(WPARAM wparam, LPARAM lparam);
@@ -61,10 +62,10 @@ class MeterControl final : public ControlWindow {
   int LabelStrip(bool is_vertical) const;
 
   const MeterLook& Look() const;
-  BarReadings Readings() const;
+  BarReadings ReadingsOf(const MeterLevels& levels) const;
 
   // What depends on the levels is to be painted; or everything, in another look.
-  void LevelsChanged(bool at_once);
+  void LevelsChanged(bool at_once, bool is_on_screen = false);
   void LookChanged(bool at_once);
   void AnnounceClips();
 
@@ -80,6 +81,7 @@ class MeterControl final : public ControlWindow {
   bool has_menu_open_ = false;
   mutable std::optional<MeterLook> look_;  // none: to be made anew
   MeterPicture picture_;
+  std::optional<BarReadings> on_screen_;  // none: not known to be there, or not all of it
 };
 
 }  // namespace tervan::ui

@@ -18,6 +18,7 @@ struct BarReading {
   int peak_px;  // 0: no marker
   int valley_px;
   bool is_clipped;
+  bool operator==(const BarReading&) const = default;
 };
 using BarReadings = std::array<BarReading, kMaxMeterChannels>;
 
