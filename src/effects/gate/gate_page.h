@@ -2,16 +2,14 @@
 // bypass toggle.
 #pragma once
 
-#include <array>
-
 #include "effects/gate/gate_interface.h"
-#include "ui/pages/page_params.h"
+#include "ui/pages/param_sliders.h"
 
 namespace tervan {
 
 inline constexpr wchar_t kGatePageName[] = L"LmTNoisg Property Page";
 
-class GatePage final : public ui::AutomatedPageFor<IGateSettings> {
+class GatePage final : public ui::SliderPageFor<IGateSettings, INT32, 3> {
  public:
   explicit GatePage(IUnknown* outer) noexcept;
 
@@ -22,8 +20,6 @@ class GatePage final : public ui::AutomatedPageFor<IGateSettings> {
   void OnCommand(int id, int code) override;
   void OnScroll(UINT message, ui::ScrollCode code, HWND slider) override;
   void OnTimer() override;
-
-  std::array<bool, 3> was_automated_{};  // a row each, at the last tick of the timer
 };
 
 }  // namespace tervan
