@@ -7,3 +7,6 @@
   CONTROL "", id, "qvmodfx1Bld244TrackbarClass", own_style | WS_CHILD | WS_VISIBLE | WS_TABSTOP, x, y, width, height
 #define FADER(id, own_style, x, y, width, height) \
   CONTROL "", id, "qvmodfx1Bld244FaderClass", own_style | WS_CHILD | WS_VISIBLE | WS_TABSTOP, x, y, width, height
+// Not in the walk of the Tab key: it only shows, and its menu is the mouse's.
+#define METER(id, own_style, x, y, width, height) \
+  CONTROL "", id, "qvmodfx1Bld244MeterClass", own_style | WS_CHILD | WS_VISIBLE, x, y, width, height

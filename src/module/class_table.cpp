@@ -4,6 +4,7 @@
 
 #include "directshow/com_ptr.h"
 #include "effects/compressor/compressor_filter.h"
+#include "effects/compressor/compressor_page.h"
 #include "effects/dither/dither_filter.h"
 #include "effects/dither/dither_page.h"
 #include "effects/eq/eq_filter.h"
@@ -28,6 +29,7 @@ constexpr ClassTemplate kClasses[] = {
     {kDitherFilterName, &kDitherTraits.filter_clsid, Create<DitherFilter>, &kDitherFilterSetup},
     {kDitherPageName, &kDitherTraits.page_clsid, Create<DitherPage>, nullptr},
     {kCompressorFilterName, &kCompressorTraits.filter_clsid, Create<CompressorFilter>, &kCompressorFilterSetup},
+    {kCompressorPageName, &kCompressorTraits.page_clsid, Create<CompressorPage>, nullptr},
     {kEqFilterName, &kEqTraits.filter_clsid, Create<EqFilter>, &kEqFilterSetup},
     {kEqPageName, &kEqTraits.page_clsid, Create<EqPage>, nullptr},
     {kGateFilterName, &kGateTraits.filter_clsid, Create<GateFilter>, &kGateFilterSetup},

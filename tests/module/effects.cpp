@@ -51,6 +51,7 @@ EffectRow CompressorRow() {
       .control_iid = Id(L"{c400f99b-0c6e-444c-8f20-98db216be56e}"),
       .format_slot = 7,
       .replaced_code = 32701,
+      .page_name = L"LmTComp Property Page",
       .set_by_host_code = 0,
       .float_words = 6,
       .loaded = {1, -2, -30, 4.5, 60, 700, 0, 1, 0, 1},

@@ -11,7 +11,7 @@ using testing::Pair;
 
 using PageTest = EffectTest;
 using DitherPageTest = ModuleTest;
-TERVAN_FOR_EFFECTS(PageTest, kDither, kEq, kGate);
+TERVAN_FOR_ALL_EFFECTS(PageTest);
 
 TEST_P(PageTest, TellsAFrameWhatItNeeds) {
   const Page page(GetParam());
