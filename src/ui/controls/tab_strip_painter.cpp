@@ -78,8 +78,9 @@ class Painter {
     canvas_.Fill({body.right - kGroove_px, 0, body.right - 1, side_bottom}, palette_.shadow);
     canvas_.Fill({body.right - 1, 1, body.right, side_bottom}, palette_.highlight);
     if (!scene_.is_focused) return;
-    const Rect ring = {tab.left, 0, tab.right, body.bottom};
-    canvas_.StrokeRounded(ring.Inset(At(kFocusInset_px)), radius_px - 1, At(1), palette_.accent);
+    const int inset_px = At(kFocusInset_px);
+    const Rect ring = {body.left + inset_px, 1, body.right - inset_px, body.bottom - 1};
+    canvas_.StrokeRounded(ring, inset_px, At(1), palette_.accent);
   }
 
   void PaintTexts() const {
