@@ -5,6 +5,8 @@
 
 #include "module/control_rig.h"
 #include "module/fonts.h"
+#include "module/page_rig.h"
+#include "resources/ids.h"
 
 namespace tervan::test {
 namespace {
@@ -233,7 +235,22 @@ TEST_F(TabStripTest, TheSelectedTabOpensTheBoxLineAndEveryStateLooksDifferent) {
   Send(WM_SETFONT, 0), DeleteObject(font);
 }
 
-TEST(WingdingsFont, IsThereWhenTheFaceIsWhateverCharactersItHas) {
+using WingdingsTest = ModuleTest;
+
+TEST_F(WingdingsTest, PagesTrustItOnlyWithTheBandsNumbers) {
+  for (const auto& [which, first_tab] :
+       {std::pair{Wingdings::kNone, "1"}, {Wingdings::kWithoutNumbers, "1"}, {Wingdings::kComplete, "\x8C"}}) {
+    const WingdingsOnSystem system(which);
+    const Filter filter(kEq);
+    Page page(kEq);
+    page.OpenFor(filter);
+    char text[kTabTextBytes] = "";
+    page.SendTo(IDC_EQ_TABS, kTabGetText, 0, reinterpret_cast<LPARAM>(text));
+    EXPECT_STREQ(text, first_tab);
+  }
+}
+
+TEST_F(WingdingsTest, IsThereWhenTheFaceIsWhateverCharactersItHas) {
   for (const auto& [which, is_there] :
        {std::pair{Wingdings::kNone, false}, {Wingdings::kWithoutNumbers, true}, {Wingdings::kComplete, true}}) {
     const WingdingsOnSystem system(which);

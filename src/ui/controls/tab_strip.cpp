@@ -158,7 +158,7 @@ LRESULT TabStrip::OnGetDialogCode(const MSG* asked_for) const {
 
 // The focus first: what is typed into an edit belongs to the tab that was open when the user typed it.
 void TabStrip::OnPress(Point point) {
-  if (!IsWindowEnabled(window()) || TabAt(layout_, point) == kNoTab) return;
+  if (TabAt(layout_, point) == kNoTab) return;
   SetFocus(window());
   if (IsAlive()) Choose(TabAt(layout_, point));
 }
