@@ -45,13 +45,15 @@ def test_picture_of_a_page_and_its_settings_at_the_end(host, effect, arguments, 
 
 
 def test_pictures_of_what_the_page_opens(host):
-    pictures = set()
+    pictures, widths = set(), []
     for opening in ([], ["--open", "about"], ["--open", "menu"]):
-        result = host.show("page", "gate", "--picture", "page.png", "--force", *opening)
+        result = host.show("page", "eq", "--picture", "page.png", "--force", *opening)
         assert (result.code, result.out) == (0, "wrote page.png\n")
-        png_size(host.read("page.png"))
         pictures.add(host.read("page.png"))
+        widths.append(png_size(host.read("page.png"))[0])
     assert len(pictures) == 3
+    plain, about, menu = widths
+    assert plain == about < menu  # the names of the presets are long
 
 
 @pytest.mark.parametrize(
