@@ -3,6 +3,7 @@
 
 #include "module/control_rig.h"
 #include "module/handle_places.h"
+#include "ui/controls/eq_graph_messages.h"
 #include "ui/controls/logo_messages.h"
 #include "ui/controls/meter_messages.h"
 #include "ui/controls/slider_messages.h"
@@ -20,10 +21,13 @@ struct ClassRow {
   int extra_pointers;
   UINT style = kGlobalStyle;
 };
-constexpr ClassRow kClasses[] = {
-    {ui::kFaderClassName, true, 1},  {ui::kTrackbarClassName, false, 1},
-    {ui::kMeterClassName, false, 1}, {ui::kStaticClassName, false, 2},
-    {ui::kLogoClassName, false, 1},  {ui::kTabStripClassName, false, 1, CS_HREDRAW | CS_VREDRAW}};
+constexpr ClassRow kClasses[] = {{ui::kFaderClassName, true, 1},
+                                 {ui::kTrackbarClassName, false, 1},
+                                 {ui::kMeterClassName, false, 1},
+                                 {ui::kStaticClassName, false, 2},
+                                 {ui::kLogoClassName, false, 1},
+                                 {ui::kTabStripClassName, false, 1, CS_HREDRAW | CS_VREDRAW},
+                                 {ui::kEqGraphClassName, false, 1, CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW}};
 
 class ControlClassesTest : public ControlTest {
  protected:
