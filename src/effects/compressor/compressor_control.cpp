@@ -48,6 +48,11 @@ void CompressorControl::PublishMeters(const CompressorMeters& meters) {
   meters_.PutChunk(meters, clock_ != nullptr);
 }
 
+void CompressorControl::EndMeters() {
+  const LockGuard guard(lock_);
+  meters_.PutEnd(clock_ != nullptr);
+}
+
 void CompressorControl::SetClock(std::shared_ptr<StreamClock> clock) {
   {
     const LockGuard guard(lock_);

@@ -47,6 +47,7 @@ class CompressorControl final : public RecordControl<CompressorSettings, Compres
   void AdvanceStreamTime(std::uint32_t frames, std::uint32_t sample_rate_hz);
 
   void PublishMeters(const CompressorMeters& meters) override;
+  void EndMeters() override;
   bool IsWatched() const override { return HasNotifyWindow(); }
 
  private:

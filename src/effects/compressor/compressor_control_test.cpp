@@ -120,6 +120,8 @@ TEST_F(CompressorControlTest, ChunksThatTheEnginePublishesAreOneRecordASample) {
   control.PublishMeters(Record(20));
   EXPECT_EQ(MetersAt(kSecond), (CompressorMeters{2, 8, 4, 6, 0.25}));
   EXPECT_EQ(MetersAt(2 * kSecond), Record(20));
+  control.EndMeters();
+  EXPECT_EQ(MetersAt(3 * kSecond), kIdleMeters) << "the stream has ended";
   control.SetClock(nullptr);
   control.PublishMeters(Record(5));
   EXPECT_EQ(Meters(), Record(5)) << "the latest one is as it was published";

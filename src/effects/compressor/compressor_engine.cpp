@@ -89,7 +89,7 @@ template void CompressorEngine::Run<Float32Codec>(float* data, std::uint32_t fra
 template void CompressorEngine::Run<Float64Codec>(double* data, std::uint32_t frames);
 
 bool CompressorEngine::EndStream() {
-  source().PublishMeters(kIdleMeters);
+  source().EndMeters();
   return true;
 }
 

@@ -14,8 +14,9 @@ namespace tervan {
 // What the engine asks of the filter that owns it. Each call takes the filter's lock for a copy.
 class CompressorEngineOwner : public SettingsSource<CompressorSettings> {
  public:
-  virtual void PublishMeters(const CompressorMeters& meters) = 0;
-  virtual bool IsWatched() const = 0;  // a window is registered for notifications
+  virtual void PublishMeters(const CompressorMeters& meters) = 0;  // of a chunk
+  virtual void EndMeters() = 0;                                    // nothing more comes: idle from here on
+  virtual bool IsWatched() const = 0;                              // a window is registered for notifications
 
  protected:
   ~CompressorEngineOwner() = default;

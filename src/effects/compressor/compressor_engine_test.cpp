@@ -26,6 +26,7 @@ using namespace tervan::testing;
 struct FakeOwner : FakeSource<CompressorSettings, CompressorEngineOwner> {
   FakeOwner() { settings = {0, 0, 0, 1, 15, 250, 1, 0, 0, 0}; }
   void PublishMeters(const CompressorMeters& meters) override { published.push_back(meters); }
+  void EndMeters() override { published.push_back(kIdleMeters); }
   bool IsWatched() const override { return watched; }
 
   bool watched = false;

@@ -40,6 +40,11 @@ void MeterExchange::PutChunk(const CompressorMeters& meters, bool keep) {
   newest->meters = Extremes(newest->meters, meters);
 }
 
+void MeterExchange::PutEnd(bool keep) {
+  AdvanceTime(1);  // a record of the sample's own time would never be reached
+  Put(kIdleMeters, keep);
+}
+
 CompressorMeters MeterExchange::At(std::int64_t now_100ns) {
   if (now_100ns == 0) return kIdleMeters;
   const History& history = *history_;

@@ -29,6 +29,9 @@ class MeterExchange {
   // of the largest levels and the smallest gain, or the reader would never get past the first.
   void PutChunk(const CompressorMeters& meters, bool keep);
 
+  // The idle record, right behind the last sample.
+  void PutEnd(bool keep);
+
   const CompressorMeters& latest() const { return latest_; }
 
   // The record at a time, interpolated between its neighbours; the idle one at time 0. Forgets the records before.

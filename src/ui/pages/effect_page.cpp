@@ -216,6 +216,13 @@ void EffectPage::SetUpLogoStrip() {
   SetWindowTextW(strip, StripText(description_.filter_name).c_str());
 }
 
+HWND EffectPage::ControlOf(int id) const {
+  if (!Dialog()) return nullptr;
+  HWND& known = controls_[id];
+  const bool is_still_there = known && GetParent(known) == Dialog() && GetDlgCtrlID(known) == id;
+  return is_still_there ? known : known = GetDlgItem(Dialog(), id);
+}
+
 LRESULT EffectPage::Send(int id, UINT message, WPARAM wparam, LPARAM lparam) const {
   const HWND control = ControlOf(id);
   return control ? SendMessageW(control, message, wparam, lparam) : 0;

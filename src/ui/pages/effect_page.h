@@ -11,6 +11,7 @@
 #include <span>
 #include <string>
 #include <type_traits>
+#include <unordered_map>
 
 #include "directshow/com_ptr.h"
 #include "directshow/property_page.h"
@@ -96,7 +97,7 @@ class EffectPage : public directshow::PropertyPage {
 
   const PageDescription& description() const { return description_; }
   // Null when the dialog has no such control, or there is no dialog; messages to it then go nowhere.
-  HWND ControlOf(int id) const { return Dialog() ? GetDlgItem(Dialog(), id) : nullptr; }
+  HWND ControlOf(int id) const;
   LRESULT Send(int id, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const;
   // Without flicker when it is there already.
   void ShowText(int id, const std::wstring& text) const;
@@ -119,6 +120,7 @@ class EffectPage : public directshow::PropertyPage {
   bool is_filled_ = false;  // OnInitPage is through
   bool is_menu_open_ = false;
   std::array<ImageList, 3> bypass_images_;
+  mutable std::unordered_map<int, HWND> controls_;  // found before: pages with meters ask hundreds of times a second
 };
 
 // A page that holds this control interface.
