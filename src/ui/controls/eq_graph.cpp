@@ -47,23 +47,23 @@ LRESULT EqGraph::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_NCHITTEST: OnHitTest(PointFrom(lparam)); break;
     case WM_SETCURSOR:
       if (LOWORD(lparam) != HTCLIENT) break;
-      SetCursor(IsDragging() || is_over_node_ ? HandCursor() : LoadCursorW(nullptr, IDC_ARROW));
+      SetCursor(drag_ || is_over_node_ ? HandCursor() : LoadCursorW(nullptr, IDC_ARROW));
       return TRUE;
     case WM_LBUTTONDOWN: OnPress(PointFrom(lparam)); return 0;
     case WM_LBUTTONDBLCLK: OnDoubleClick(PointFrom(lparam)); return 0;
     case WM_MOUSEMOVE: OnMove(PointFrom(lparam), wparam); return 0;
-    case WM_LBUTTONUP: EndGesture(GestureEnd::kReleased); return 0;
+    case WM_LBUTTONUP: EndDrag(DragEnd::kReleased); return 0;
     case WM_RBUTTONDOWN:
     case WM_RBUTTONDBLCLK: OnRightPress(PointFrom(lparam), wparam); return 0;
     case WM_CAPTURECHANGED:
-      if (reinterpret_cast<HWND>(lparam) != window()) EndGesture(GestureEnd::kCancelled);
+      if (reinterpret_cast<HWND>(lparam) != window()) EndDrag(DragEnd::kCancelled);
       return 0;
-    case WM_CANCELMODE: EndGesture(GestureEnd::kCancelled); break;
+    case WM_CANCELMODE: EndDrag(DragEnd::kCancelled); break;
     case WM_ENABLE:
     case WM_SHOWWINDOW:
-      if (!wparam) EndGesture(GestureEnd::kCancelled);
+      if (!wparam) EndDrag(DragEnd::kCancelled);
       break;
-    case WM_GETDLGCODE: return DLGC_WANTARROWS | (IsDragging() ? DLGC_WANTALLKEYS : 0);
+    case WM_GETDLGCODE: return DLGC_WANTARROWS | (drag_ ? DLGC_WANTALLKEYS : 0);
     case WM_KEYDOWN:
     case WM_SYSKEYDOWN:
       if ((wparam == VK_MENU && OnAltKey(message)) || OnKey(wparam)) return 0;
@@ -75,8 +75,7 @@ LRESULT EqGraph::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_KILLFOCUS: owns_alt_ = false; break;
     case WM_DESTROY:
       if (has_menu_open_) EndMenu();  // it does not outlive its graph
-      EndGesture(GestureEnd::kCancelled);
-      TellEnd();
+      EndDrag(DragEnd::kCancelled);
       return 0;
     default:
       if (const auto result = OnGraphMessage(message, wparam, lparam)) return *result;
@@ -128,7 +127,7 @@ void EqGraph::RemoveCurve(EqCurve* curve) {
   scale_ = ScaleOver(curves_, scale_.plot);
   Invalidate();
   Announce(EVENT_OBJECT_REORDER);
-  if (gesture_ && !IsListed(gesture_->curve)) EndGesture(GestureEnd::kCurveGone);
+  if (drag_ && !IsListed(drag_->curve)) EndDrag(DragEnd::kCurveGone);
 }
 
 void EqGraph::Select(EqCurve& curve, std::uint32_t node) {
@@ -173,24 +172,15 @@ void EqGraph::Notify(WORD id, WORD code) const {
   SendMessageW(Parent(), WM_COMMAND, MAKEWPARAM(id, code), reinterpret_cast<LPARAM>(window()));
 }
 
-void EqGraph::TellChange(const EqCurve& curve) {
-  owed_end_ = LOWORD(curve.id);
-  Notify(*owed_end_, kGraphChanged);
-}
-
-void EqGraph::TellEnd() {
-  if (const auto id = std::exchange(owed_end_, std::nullopt)) Notify(*id, kGraphEditEnded);
-}
-
 void EqGraph::OnHitTest(Point screen) {
-  if (IsDragging()) return;
+  if (drag_) return;
   POINT place = {screen.x, screen.y};
   ScreenToClient(window(), &place);
   is_over_node_ = NodeUnder(FromPOINT(place)).has_value();
 }
 
 void EqGraph::OnPress(Point pointer) {
-  EndGesture(GestureEnd::kReleased);  // its own release got lost
+  EndDrag(DragEnd::kReleased);  // its own release got lost
   if (!IsAlive()) return;
   SetFocus(window());
   if (!IsAlive() || !IsWithin(scale_.plot, pointer.x, kPressMarginPx)) return;
@@ -199,66 +189,56 @@ void EqGraph::OnPress(Point pointer) {
   Select(*place->curve, place->node);
   if (!IsAlive() || !IsThere(*place)) return;
   SetCursor(HandCursor());
-  Gesture drag = {place->curve, place->node, pointer, {}};
-  std::ranges::copy(place->curve->nodes, drag.backup.begin());
-  Hold(drag);
-}
-
-void EqGraph::Hold(const Gesture& gesture) {
-  gesture_ = gesture;
-  if (gesture_->dragged_node) gesture_->curve->backup = gesture_->backup.data();
+  drag_ = {place->curve, place->node, pointer, {}};
+  std::ranges::copy(place->curve->nodes, drag_->backup.begin());
+  place->curve->backup = drag_->backup.data();
   SetCapture(window());
 }
 
 // A message that moves nothing follows many a press: the node stays until the pointer moves.
 void EqGraph::OnMove(Point pointer, WPARAM buttons) {
-  if (!IsDragging() || gesture_->pointer == pointer) return;
-  gesture_->pointer = pointer;
-  const std::uint32_t node = *gesture_->dragged_node;
+  if (!drag_ || drag_->pointer == pointer) return;
+  drag_->pointer = pointer;
   const HeldKeys keys = KeysHeld(buttons);
   owns_alt_ = owns_alt_ || keys.alt;
-  DragNode(scale_, *gesture_->curve, node, gesture_->backup[node].width, pointer, keys);
-  TellChange(*gesture_->curve);
+  DragNode(scale_, *drag_->curve, drag_->node, drag_->backup[drag_->node].width, pointer, keys);
+  Notify(LOWORD(drag_->curve->id), kGraphChanged);
   if (IsAlive()) Redraw();
 }
 
-void EqGraph::EndGesture(GestureEnd end) {
-  if (!gesture_) return;
-  const Gesture ended = *gesture_;
-  gesture_.reset();
-  if (ended.dragged_node) ended.curve->backup = nullptr;
+void EqGraph::EndDrag(DragEnd end) {
+  if (!drag_) return;
+  const Drag ended = *drag_;
+  drag_.reset();
+  const WORD id = LOWORD(ended.curve->id);
+  ended.curve->backup = nullptr;
   if (GetCapture() == window()) ReleaseCapture();
-  if (ended.dragged_node && end != GestureEnd::kCurveGone) {
-    if (end == GestureEnd::kCancelled) {
-      std::ranges::copy(ended.backup, ended.curve->nodes);
-      MarkSelected(*ended.curve, ended.curve->selected_node);  // the owner may have chosen another one meanwhile
-      is_over_node_ = false;
-      Invalidate();
-    }
-    TellChange(*ended.curve);
+  if (end == DragEnd::kCurveGone) return;
+  if (end == DragEnd::kCancelled) {
+    std::ranges::copy(ended.backup, ended.curve->nodes);
+    MarkSelected(*ended.curve, ended.curve->selected_node);  // the owner may have chosen another one meanwhile
+    is_over_node_ = false;
+    Invalidate();
   }
-  TellEnd();
+  Notify(id, kGraphChanged);
+  if (end == DragEnd::kReleased) Notify(id, kGraphEditEnded);
 }
 
 void EqGraph::OnDoubleClick(Point pointer) {
-  EndGesture(GestureEnd::kReleased);
+  EndDrag(DragEnd::kReleased);
   if (!IsAlive() || !IsWithin(scale_.plot, pointer.x, 0)) return;
   const auto place = NodeUnder(pointer);
   if (!place) return;
+  const WORD id = LOWORD(place->curve->id);
   EqCurveNode& node = place->curve->nodes[place->node];
   node.enable = node.enable == 0 ? 1 : 0;
   Invalidate();
-  TellChange(*place->curve);
-  if (!IsAlive()) return;
-  if (IsKeyDown(VK_LBUTTON)) {
-    Hold({place->curve, std::nullopt, pointer, {}});
-  } else {
-    TellEnd();
-  }
+  Notify(id, kGraphChanged);
+  if (!IsKeyDown(VK_LBUTTON)) Notify(id, kGraphEditEnded);
 }
 
 void EqGraph::OnRightPress(Point pointer, WPARAM buttons) {
-  if (gesture_ || has_menu_open_ || (buttons & MK_LBUTTON) != 0) return;
+  if (drag_ || has_menu_open_ || (buttons & MK_LBUTTON) != 0) return;
   SetFocus(window());
   if (!IsAlive()) return;
   const auto place = NodeUnder(pointer);
@@ -275,16 +255,14 @@ void EqGraph::OfferMenu(NodePlace place, Point pointer) {
   has_menu_open_ = false;
   if (!IsAlive() || !IsThere(place)) return;
   ApplyBandItem(place.curve->nodes[place.node], item_id);
-  TellChange(*place.curve);
-  if (!IsAlive()) return;
   Invalidate();
-  TellEnd();
+  Notify(LOWORD(place.curve->id), kGraphChanged);
 }
 
 bool EqGraph::OnKey(WPARAM key) {
-  if (!IsDragging()) return false;
+  if (!drag_) return false;
   if (key == VK_ESCAPE) {
-    EndGesture(GestureEnd::kCancelled);
+    EndDrag(DragEnd::kCancelled);
     return true;
   }
   if (key < VK_LEFT || key > VK_DOWN) return false;
@@ -308,7 +286,7 @@ void EqGraph::MovePointer(int right_px, int down_px) const {
 
 // Alt alone would open the menu of the window that the page is in.
 bool EqGraph::OnAltKey(UINT message) {
-  const bool is_own = IsDragging() || owns_alt_;
+  const bool is_own = drag_ || owns_alt_;
   owns_alt_ = is_own && (message == WM_SYSKEYDOWN || message == WM_KEYDOWN);
   return is_own;
 }

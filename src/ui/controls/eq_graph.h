@@ -36,17 +36,16 @@ class EqGraph final : public ControlWindow {
     std::uint32_t node;
   };
 
-  // The mouse is held since a press.
-  struct Gesture {
+  struct Drag {
     EqCurve* curve;
-    std::optional<std::uint32_t> dragged_node;  // none: held after a double click
-    Point pointer;                              // of the last step
+    std::uint32_t node;
+    Point pointer;  // of the last step
     std::array<EqCurveNode, kMaxNodes> backup;
   };
-  enum class GestureEnd {
+  enum class DragEnd {
     kReleased,
     kCancelled,  // the nodes go back
-    kCurveGone,  // the nodes stay, nothing but the end is told
+    kCurveGone,  // the nodes stay, nobody is told
   };
 
   // Messages of the owner.
@@ -65,8 +64,7 @@ class EqGraph final : public ControlWindow {
   void OnRightPress(Point pointer, WPARAM buttons);
   void OfferMenu(NodePlace place, Point pointer);
   void OnHitTest(Point screen);
-  void Hold(const Gesture& gesture);
-  void EndGesture(GestureEnd end);
+  void EndDrag(DragEnd end);
 
   // The keyboard.
   bool OnKey(WPARAM key);
@@ -76,19 +74,15 @@ class EqGraph final : public ControlWindow {
   std::optional<NodePlace> NodeUnder(Point pointer) const;
   bool IsListed(const EqCurve* curve) const;
   bool IsThere(const NodePlace& place) const { return IsListed(place.curve) && place.node < NodeCount(*place.curve); }
-  bool IsDragging() const { return gesture_ && gesture_->dragged_node; }
   void Notify(WORD id, WORD code) const;
-  void TellChange(const EqCurve& curve);
-  void TellEnd();
 
   std::vector<EqCurve*> curves_;
   EqGraphScale scale_;
   PaintGraphBackground background_ = nullptr;
   void* background_context_ = nullptr;
-  std::optional<Gesture> gesture_;
-  std::optional<WORD> owed_end_;  // whose owner heard of a change, and hears of the end of the edit, whatever happens
-  bool is_over_node_ = false;     // the pointer, when it was last seen
-  bool owns_alt_ = false;         // it was held during a drag: its release opens no menu
+  std::optional<Drag> drag_;   // with the mouse held since a press
+  bool is_over_node_ = false;  // the pointer, when it was last seen
+  bool owns_alt_ = false;      // it was held during a drag: its release opens no menu
   bool has_menu_open_ = false;
   EqNodePainter painter_;
   BackBuffer buffer_;

@@ -21,8 +21,9 @@ inline constexpr UINT kGraphGetSelectedNode = 0x607;
 using PaintGraphBackground = void(CALLBACK*)(HDC dc, void* context, EqCurve* first_curve, const RECT* plot);
 
 // WM_COMMAND codes; the id is the curve's.
-inline constexpr WORD kGraphChanged = 1000;    // a step of a drag, a menu or double click, a drag that is taken back
-inline constexpr WORD kGraphSelected = 1001;   // another node, by the user or by message
-inline constexpr WORD kGraphEditEnded = 1002;  // the button that dragged or double-clicked is up
+inline constexpr WORD kGraphChanged = 1000;   // a step of a drag, a menu or double click, a drag that is taken back
+inline constexpr WORD kGraphSelected = 1001;  // another node, by the user or by message
+// The button that dragged or double-clicked is up. Where no drag goes on, a change is an edit by itself.
+inline constexpr WORD kGraphEditEnded = 1002;
 
 }  // namespace tervan::ui
