@@ -25,7 +25,7 @@ TEST(EqShades, RunThroughThreeBluesWithALittleNoise) {
         const int length = x < half ? half : width - half;
         const double share = length > 1 ? (x < half ? x : x - half) / (length - 1.0) : 0.0;
         for (int channel = 0; channel < 3; ++channel) {
-          const int level = row[x] >> (16 - 8 * channel) & 255;
+          const std::uint32_t level = row[x] >> (16 - 8 * channel) & 255;
           ASSERT_NEAR(level, std::lerp(first[channel], last[channel], share), 0.511) << width << ", " << x;
         }
       }
@@ -37,10 +37,11 @@ TEST(EqShades, RunThroughThreeBluesWithALittleNoise) {
 // Whether the rules fill the pixel: a bar of one column for each point, which in wide graphs reaches to the next bar.
 bool IsFilled(const EqResponse& response, ui::Size size, int x, int y) {
   const auto column = [&](int point) { return std::lround(point * (size.width - 1) / 1000.0); };
+  const int half = size.height / 2;
   for (int point = 1; point <= 1000; ++point) {
     if (column(point) > x || std::max(column(point) + 1, column(point + 1)) <= x) continue;
-    const long bar = size.height / 2 - std::lround(response[point] * (size.height / 2) / 2048.0);
-    if (y < size.height / 2 ? y >= bar : y < bar) return true;
+    const long bar = half - std::lround(response[point] * half / 2048.0);
+    if (y < half ? y >= bar : y < bar) return true;
   }
   return false;
 }
