@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cwchar>
 
 namespace tervan::ui {
 namespace {
@@ -40,7 +41,7 @@ FontHandle MakeWingdingsFont() {
   const SelectedObject selected(screen.Get(), font.get());
   wchar_t face[LF_FACESIZE] = L"";
   GetTextFaceW(screen.Get(), LF_FACESIZE, face);
-  return lstrcmpW(face, kFace) == 0 ? std::move(font) : nullptr;
+  return std::wcscmp(face, kFace) == 0 ? std::move(font) : nullptr;
 }
 
 FontHandle MakeBandGlyphFont() {

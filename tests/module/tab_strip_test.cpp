@@ -34,12 +34,16 @@ class TabStripTest : public ControlTest {
     return CreateWindowW(L"Edit", L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, 50, 50, 20, parent, nullptr, nullptr,
                          nullptr);
   }
-  static TabItems Record(DWORD count = 4, DWORD size_bytes = sizeof(TabItems)) {
-    TabItems items = {.size_bytes = size_bytes, .count = count, .reserved = 0, .items = {}};
-    for (DWORD i = 0; i < kMaxTabs; ++i) items.items[i] = {{static_cast<char>('1' + i)}, 0x10000 + 10 * i, 0};
-    return items;
+  struct Items {
+    DWORD size_bytes, count, reserved;
+    TabItem items[kMaxTabs];
+  };
+  static Items Record(DWORD count = 4, DWORD size_bytes = sizeof(Items)) {
+    Items record = {size_bytes, count, 0, {}};
+    for (DWORD i = 0; i < kMaxTabs; ++i) record.items[i] = {{static_cast<char>('1' + i)}, 0x10000 + 10 * i, 0};
+    return record;
   }
-  LRESULT SetItems(const TabItems& items) { return Send(kTabSetItems, 0, reinterpret_cast<LPARAM>(&items)); }
+  LRESULT SetItems(const Items& record) { return Send(kTabSetItems, 0, reinterpret_cast<LPARAM>(&record)); }
   LRESULT SetText(WPARAM tab, const char* text) { return Send(kTabSetText, tab, reinterpret_cast<LPARAM>(text)); }
   int Selected() const { return static_cast<int>(Send(kTabGetSelected)); }
   void Click(int x) { Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, 9)), Send(WM_LBUTTONUP, 0, MAKELPARAM(x, 9)); }
@@ -67,21 +71,22 @@ class TabStripTest : public ControlTest {
 TEST_F(TabStripTest, KeepsWhatItCanHoldAndRefusesTheRest) {
   char text[kTabTextBytes] = "untouched";
   const auto get_text = [&](WPARAM tab) { return Send(kTabGetText, tab, reinterpret_cast<LPARAM>(text)); };
-  for (const auto& [size_bytes, count, is_right] : std::vector<std::tuple<DWORD, DWORD, bool>>{{171, 4, false},
-                                                                                               {0, 0, false},
-                                                                                               {173, 4, false},
-                                                                                               {172, 5, false},
-                                                                                               {172, ~0u, false},
-                                                                                               {52, 1, true},
-                                                                                               {172, 4, true}}) {
+  struct Row {
+    DWORD size_bytes, count;
+    bool is_right;
+  };
+  for (const Row& row : {Row{171, 4, false}, Row{0, 0, false}, Row{372, 10, false}, Row{372, ~0U, false},
+                         Row{52, 1, true}, Row{372, 9, true}, Row{172, 4, true}}) {
     SetItems(Record(3));
-    const TabItems items = Record(count, size_bytes);
-    EXPECT_EQ(SetItems(items), is_right) << size_bytes << " with " << count;
-    TabItems copy = Record(77);
+    const Items items = Record(row.count, row.size_bytes);
+    EXPECT_EQ(SetItems(items), row.is_right) << row.size_bytes << " with " << row.count;
+    Items copy = Record(77);
     EXPECT_EQ(Send(kTabGetItems, 0, reinterpret_cast<LPARAM>(&copy)), 1);
-    ASSERT_EQ(copy.count, is_right ? count : 3);
+    ASSERT_EQ(copy.count, row.is_right ? row.count : 3);
     EXPECT_EQ(std::memcmp(copy.items, items.items, copy.count * sizeof(TabItem)), 0);
   }
+  Items small = Record(77, 171);
+  EXPECT_EQ(Send(kTabGetItems, 0, reinterpret_cast<LPARAM>(&small)), 0);
   for (const WPARAM beyond : {WPARAM{4}, ~WPARAM{0}}) {
     for (const LRESULT answer :
          {get_text(beyond), SetText(beyond, "x"), Send(kTabGetData, beyond), Send(kTabSetData, beyond)}) {
@@ -105,10 +110,7 @@ TEST_F(TabStripTest, KeepsWhatItCanHoldAndRefusesTheRest) {
 }
 
 TEST_F(TabStripTest, AClickSelectsTheTabThereOnceTheEditIsLeft) {
-  const HWND edit =
-      CreateWindowW(L"Edit", L"", WS_CHILD | WS_VISIBLE, 0, 50, 50, 20, parent, nullptr, nullptr, nullptr);
-  SetFocus(edit), Take();
-  Click(3);
+  SetFocus(MakeEdit()), Take(), Click(3);
   EXPECT_EQ(Take(), (Events{{MAKELONG(0, EN_KILLFOCUS), -1}, Chosen(0)}));
   Events from_the_left;
   for (int x = 0; x < kWidth_px; ++x) {
@@ -118,39 +120,28 @@ TEST_F(TabStripTest, AClickSelectsTheTabThereOnceTheEditIsLeft) {
     }
   }
   EXPECT_EQ(from_the_left, (Events{Chosen(0), Chosen(1), Chosen(2), Chosen(3)}));
-  EnableWindow(control, FALSE);
-  Click(3);
+  EnableWindow(control, FALSE), Click(3);
   EXPECT_EQ(Take(), Events{});
 }
 
 TEST_F(TabStripTest, KeysSelectAndEveryKeyIsHeard) {
   const Event none = {MAKELONG(kId, kNoTabData), -1};
-  for (const auto& [key, from, heard] : std::vector<std::tuple<WPARAM, int, Event>>{{VK_LEFT, 0, Chosen(3)},
-                                                                                    {VK_UP, 2, Chosen(1)},
-                                                                                    {VK_PRIOR, 3, Chosen(2)},
-                                                                                    {VK_RIGHT, 3, Chosen(0)},
-                                                                                    {VK_DOWN, 0, Chosen(1)},
-                                                                                    {VK_NEXT, 1, Chosen(2)},
-                                                                                    {VK_HOME, 2, Chosen(0)},
-                                                                                    {VK_END, 1, Chosen(3)},
-                                                                                    {'1', 3, Chosen(0)},
-                                                                                    {'4', 0, Chosen(3)},
-                                                                                    {VK_NUMPAD1, 2, Chosen(0)},
-                                                                                    {VK_NUMPAD4, 2, Chosen(3)},
-                                                                                    {'5', 2, Chosen(2)},
-                                                                                    {'0', 2, Chosen(2)},
-                                                                                    {VK_NUMPAD5, 1, Chosen(1)},
-                                                                                    {VK_NUMPAD0, 1, Chosen(1)},
-                                                                                    {'A', 1, Chosen(1)},
-                                                                                    {'A', 4, none},
-                                                                                    {VK_SPACE, 4, none}}) {
-    Send(kTabSelect, from);
-    EXPECT_EQ(Key(key), Events{heard}) << key << " from " << from;
+  struct Row {
+    WPARAM key;
+    int from, to;
+  };
+  for (const Row& row : {Row{VK_LEFT, 0, 3}, Row{VK_UP, 2, 1}, Row{VK_PRIOR, 3, 2}, Row{VK_RIGHT, 3, 0},
+                         Row{VK_DOWN, 0, 1}, Row{VK_NEXT, 1, 2}, Row{VK_HOME, 2, 0}, Row{VK_END, 1, 3}, Row{'1', 3, 0},
+                         Row{'4', 0, 3}, Row{VK_NUMPAD1, 2, 0}, Row{VK_NUMPAD4, 2, 3}, Row{'5', 2, 2}, Row{'0', 2, 2},
+                         Row{VK_NUMPAD5, 1, 1}, Row{VK_NUMPAD0, 1, 1}, Row{'A', 1, 1}, Row{VK_SPACE, 4, -1}}) {
+    Send(kTabSelect, row.from);
+    EXPECT_EQ(Key(row.key), Events{row.to >= 0 ? Chosen(row.to) : none}) << row.key << " from " << row.from;
   }
+  SetItems(Record(9));
+  EXPECT_EQ(Key('9'), Events{Chosen(8)});
   SetItems(Record(0));
   EXPECT_EQ(Key(VK_RIGHT), Events{none});
-  SetItems(Record());
-  SetCapture(parent);
+  SetItems(Record()), SetCapture(parent);
   EXPECT_EQ(Key(VK_RIGHT), Events{});
   ReleaseCapture();
 }
@@ -174,14 +165,9 @@ TEST_F(TabStripTest, ADialogCanBeLeftByKeyboard) {
 }
 
 TEST_F(TabStripTest, AParentMayDestroyItWheneverItHears) {
-  const HWND edit =
-      CreateWindowW(L"Edit", L"", WS_CHILD | WS_VISIBLE, 0, 50, 50, 20, parent, nullptr, nullptr, nullptr);
-  const std::vector<std::function<void()>> acts = {
-      [this] { Click(3); },
-      [this] { Key(VK_RIGHT); },
-      [this] { Accessible()->accDoDefaultAction(Part(1)); },
-  };
-  for (const HWND focused : {parent, edit}) {
+  const std::function<void()> acts[] = {[this] { Click(3); }, [this] { Key(VK_RIGHT); },
+                                        [this] { Accessible()->accDoDefaultAction(Part(1)); }};
+  for (const HWND focused : {parent, MakeEdit()}) {
     for (const auto& act : acts) {
       DestroyWindow(control), MakeStrip(), SetFocus(focused);
       destroys = true, act(), destroys = false;
@@ -204,8 +190,8 @@ TEST_F(TabStripTest, TellsScreenReadersTheNumbersEvenOfSymbols) {
       for (LONG other = 1; other <= 4; ++other) {
         VARIANT state, role;
         EXPECT_EQ(accessible->get_accState(Part(other), &state), S_OK);
-        EXPECT_EQ((state.lVal & STATE_SYSTEM_SELECTED) != 0, other == tab);
-        EXPECT_EQ((state.lVal & STATE_SYSTEM_FOCUSED) != 0, other == tab);
+        const LONG marks = state.lVal & (STATE_SYSTEM_SELECTED | STATE_SYSTEM_FOCUSED);
+        EXPECT_EQ(marks, other == tab ? STATE_SYSTEM_SELECTED | STATE_SYSTEM_FOCUSED : 0);
         EXPECT_EQ(accessible->get_accRole(Part(other), &role), S_OK);
         EXPECT_EQ(role.lVal, ROLE_SYSTEM_PAGETAB);
       }
@@ -237,33 +223,27 @@ TEST_F(TabStripTest, TheSelectedTabOpensTheBoxLineAndEveryStateLooksDifferent) {
 
 using WingdingsTest = ModuleTest;
 
-TEST_F(WingdingsTest, PagesTrustItOnlyWithTheBandsNumbers) {
+TEST_F(WingdingsTest, IsThereWhenTheFaceIsAndPagesTrustItOnlyWithTheBandsNumbers) {
   for (const auto& [which, first_tab] :
        {std::pair{Wingdings::kNone, "1"}, {Wingdings::kWithoutNumbers, "1"}, {Wingdings::kComplete, "\x8C"}}) {
     const WingdingsOnSystem system(which);
-    const Filter filter(kEq);
-    Page page(kEq);
-    page.OpenFor(filter);
-    char text[kTabTextBytes] = "";
-    page.SendTo(IDC_EQ_TABS, kTabGetText, 0, reinterpret_cast<LPARAM>(text));
-    EXPECT_STREQ(text, first_tab);
-  }
-}
-
-TEST_F(WingdingsTest, IsThereWhenTheFaceIsWhateverCharactersItHas) {
-  for (const auto& [which, is_there] :
-       {std::pair{Wingdings::kNone, false}, {Wingdings::kWithoutNumbers, true}, {Wingdings::kComplete, true}}) {
-    const WingdingsOnSystem system(which);
+    {
+      const Filter filter(kEq);
+      Page page(kEq);
+      page.OpenFor(filter);
+      char text[kTabTextBytes] = "";
+      page.SendTo(IDC_EQ_TABS, kTabGetText, 0, reinterpret_cast<LPARAM>(text));
+      EXPECT_STREQ(text, first_tab);
+    }
     const HFONT font = Export<HFONT()>("GetWingdingsFont")();
-    EXPECT_EQ(font != nullptr, is_there);
+    EXPECT_EQ(font != nullptr, which != Wingdings::kNone);
     if (!font) continue;
     const HDC screen = GetDC(nullptr);
     LOGFONTW made;
     GetObjectW(font, sizeof made, &made);
     EXPECT_EQ(made.lfHeight, -MulDiv(12, GetDeviceCaps(screen, LOGPIXELSY), 72));
-    EXPECT_EQ(made.lfCharSet, SYMBOL_CHARSET);
-    EXPECT_EQ(made.lfOutPrecision, OUT_TT_PRECIS);
-    EXPECT_EQ(made.lfQuality, PROOF_QUALITY);
+    EXPECT_TRUE(made.lfCharSet == SYMBOL_CHARSET && made.lfOutPrecision == OUT_TT_PRECIS &&
+                made.lfQuality == PROOF_QUALITY);
     ReleaseDC(nullptr, screen);
     EXPECT_TRUE(DeleteObject(font)) << "the caller's own";
   }

@@ -27,13 +27,19 @@ bool IsWithin(const Rect& plot, int x, int margin_px) {
   return x >= plot.left - margin_px && x <= plot.right + margin_px;
 }
 
+// Where there is no memory for a graph, its window is still made, and does nothing: a page without it can be used.
+LRESULT CALLBACK GraphProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  const LRESULT result = WindowProcOf<EqGraph>(window, message, wparam, lparam);
+  return message == WM_CREATE ? 0 : result;
+}
+
 }  // namespace
 
 const ControlClass kEqGraphClass = {
     .name = kEqGraphClassName,
     .style = CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW,
     .background = COLOR_WINDOW,
-    .procedure = WindowProcOf<EqGraph>,
+    .procedure = GraphProcedure,
 };
 
 EqGraph::EqGraph(HWND window, const CREATESTRUCTW&) : ControlWindow(window) { LayOut(); }
@@ -87,7 +93,7 @@ std::optional<LRESULT> EqGraph::OnGraphMessage(UINT message, WPARAM wparam, LPAR
   switch (message) {
     case kGraphListCurve:
       if (wparam != 0) return AddCurve(PointerIn<EqCurve>(lparam)) ? 1 : 0;
-      RemoveCurve(PointerIn<EqCurve>(lparam));
+      RemoveCurve(reinterpret_cast<EqCurve*>(lparam));  // only compared: one that is not listed is no harm
       return 1;
     case kGraphSetSpan:
       scale_.x_span = static_cast<std::int32_t>(lparam);

@@ -17,10 +17,8 @@ namespace {
 
 std::string TextFrom(const char* text) { return {text, strnlen(text, kTabTextBytes - 1)}; }
 
-constexpr std::size_t RecordBytes(std::size_t count) { return offsetof(TabItems, items) + count * sizeof(TabItem); }
-
-bool HoldsRecord(const TabItems* items, std::size_t count) {
-  return items && count <= kMaxTabs && items->size_bytes >= RecordBytes(count) && items->size_bytes <= sizeof(TabItems);
+bool HasRoom(const TabItems* record, std::size_t count) {
+  return record && count <= kMaxTabs && record->size_bytes >= offsetof(TabItems, items) + count * sizeof(TabItem);
 }
 
 // kNoTab: the key leads to none.
@@ -128,7 +126,7 @@ int TabStrip::SetText(int tab, const char* text) {
 }
 
 bool TabStrip::GetItems(TabItems* items) const {
-  if (!HoldsRecord(items, tabs_.size())) return false;
+  if (!HasRoom(items, tabs_.size())) return false;
   items->count = Count();
   TabItem* item = items->items;
   for (const Tab& tab : tabs_) {
@@ -139,9 +137,10 @@ bool TabStrip::GetItems(TabItems* items) const {
 }
 
 bool TabStrip::SetItems(const TabItems* items) {
-  if (!items || !HoldsRecord(items, items->count)) return false;
+  if (!items || !HasRoom(items, items->count)) return false;
   std::vector<Tab> tabs;
-  for (DWORD i = 0; i < items->count; ++i) tabs.push_back({TextFrom(items->items[i].text), items->items[i].data});
+  const TabItem* item = items->items;
+  for (DWORD i = 0; i < items->count; ++i, ++item) tabs.push_back({TextFrom(item->text), item->data});
   tabs_ = std::move(tabs);
   if (selected_ >= Count()) selected_ = kNoTab;
   LayOut();

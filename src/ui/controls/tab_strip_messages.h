@@ -20,7 +20,7 @@ inline constexpr UINT kTabSetItems = 0x608;     // lParam: const TabItems*
 // A user's choice comes as WM_COMMAND with the tab's data word in place of the code; this one, when none is selected.
 inline constexpr WORD kNoTabData = 65535;
 
-inline constexpr UINT kMaxTabs = 4;
+inline constexpr UINT kMaxTabs = 9;        // one for each digit key
 inline constexpr UINT kTabTextBytes = 32;  // with the terminator
 
 struct TabItem {
@@ -29,11 +29,14 @@ struct TabItem {
   DWORD reserved;
 };
 
+inline constexpr UINT kBandTabs = 4;
+
+// With room for the EQ's bands; a record may be longer or shorter.
 struct TabItems {
   DWORD size_bytes;  // of the record: 172 with four items
   DWORD count;
   DWORD reserved;
-  TabItem items[kMaxTabs];
+  TabItem items[kBandTabs];
 };
 static_assert(sizeof(TabItems) == 172);
 
