@@ -41,72 +41,60 @@ struct CompressorRig {
   const ParamRow& Param(DWORD param) const { return filter.effect.params[param]; }
   double Value(const CompressorRow& row) const { return filter.GetAt(Param(row.param)); }
   LRESULT Position(const CompressorRow& row) const { return page.SendTo(row.slider, ui::kSliderGetPosition); }
-  bool IsEnabled(int id) const { return IsWindowEnabled(page.Control(id)) != FALSE; }
-  void Tick() const { page.Send(WM_TIMER, 1); }
 
   HostRecorder recorder;
   const Filter filter{kCompressor};
   Page page{kCompressor};
 };
 
-TEST_F(CompressorPageTest, SlidersMoveTheValueInOneEditEach) {
-  constexpr WORD kDoubleClick = 0;
+TEST_F(CompressorPageTest, KeysMoveTheValueInOneEditEach) {
   const struct {
     const CompressorRow& row;
     WORD key;  // comes twice
     const char* heard;
     const wchar_t* text;
   } rows[] = {
-      {kInputGain, VK_UP, " B0 V0=-11 V0=-10", L"-10 dB"},  {kInputGain, VK_END, " B0 V0=-60", L"-Inf."},
-      {kOutputGain, VK_PRIOR, " B1 V1=4 V1=5", L"5 dB"},    {kInputGain, kDoubleClick, " B0 V0=0", L"0 dB"},
-      {kOutputGain, kDoubleClick, " B1 V1=0", L"0 dB"},     {kThreshold, VK_LEFT, " B2 V2=-20.1 V2=-20.2", L"-20.2"},
-      {kThreshold, VK_NEXT, " B2 V2=-19 V2=-18", L"-18.0"}, {kThreshold, kDoubleClick, " B2 V2=-40", L"-40.0"},
-      {kAmount, VK_RIGHT, " B3 V3=2.6 V3=2.7", L"2.7"},     {kAmount, VK_END, " B3 V3=50", L"Inf."},
-      {kAmount, kDoubleClick, " B3 V3=2", L"2.0"},          {kAttack, kDoubleClick, " B4 V4=15", L"15"},
-      {kRelease, VK_NEXT, " B5 V5=1010 V5=1020", L"1020"},  {kRelease, kDoubleClick, " B5 V5=250", L"250"},
+      {kInputGain, VK_UP, " B0 V0=-11 V0=-10", L"-10 dB"},
+      {kInputGain, VK_END, " B0 V0=-60", L"-Inf."},
+      {kOutputGain, VK_PRIOR, " B1 V1=4 V1=5", L"5 dB"},
+      {kThreshold, VK_LEFT, " B2 V2=-20.1 V2=-20.2", L"-20.2"},
+      {kThreshold, VK_NEXT, " B2 V2=-19 V2=-18", L"-18.0"},
+      {kAmount, VK_RIGHT, " B3 V3=2.6 V3=2.7", L"2.7"},
+      {kAmount, VK_END, " B3 V3=50", L"Inf."},
+      {kAttack, VK_RIGHT, " B4 V4=101 V4=102", L"102"},
+      {kRelease, VK_NEXT, " B5 V5=1010 V5=1020", L"1020"},
   };
   CompressorRig rig;
   for (const auto& [row, key, heard, text] : rows) {
     SCOPED_TRACE(heard);
     rig.Restart();
-    if (key == kDoubleClick) {
-      for (const UINT message : {WM_KEYDOWN, WM_KEYUP}) rig.page.SendTo(row.slider, message, '0');  // to the left end
-      rig.recorder.Take();
-      rig.page.SendTo(row.slider, WM_LBUTTONDBLCLK, 0, MAKELPARAM(10, 10));
-      EXPECT_THAT(rig.recorder.Take(), testing::EndsWith(std::string(heard).substr(3)));
-    } else {
-      for (int times = 0; times < 2; ++times) rig.page.SendTo(row.slider, WM_KEYDOWN, key);
-      EXPECT_EQ(rig.recorder.Take(), heard);
-    }
+    for (int times = 0; times < 2; ++times) rig.page.SendTo(row.slider, WM_KEYDOWN, key);
+    EXPECT_EQ(rig.recorder.Take(), heard);
     EXPECT_EQ(rig.page.TextOf(row.text), text);
-    EXPECT_EQ(rig.Position(row), std::lround(rig.Value(row) * row.scale));
-    rig.page.SendTo(row.slider, key == kDoubleClick ? WM_LBUTTONUP : WM_KEYUP, key);
+    rig.page.SendTo(row.slider, WM_KEYUP, key);
     EXPECT_EQ(rig.recorder.Take(), " E" + std::to_string(row.param));
   }
-  // Neither is one of the page's own, though one has the number of a slider.
-  const HWND stranger = CreateWindowW(L"Static", L"", WS_CHILD, 0, 0, 1, 1, rig.page.frame,
-                                      reinterpret_cast<HMENU>(INT_PTR{kThreshold.slider}), nullptr, nullptr);
-  for (const HWND slider : {stranger, HWND{}}) rig.page.Send(WM_HSCROLL, SB_LINELEFT, reinterpret_cast<LPARAM>(slider));
   rig.page.Send(WM_VSCROLL, SB_LINELEFT, reinterpret_cast<LPARAM>(rig.page.Control(kThreshold.slider)));
-  EXPECT_EQ(rig.recorder.Take(), "");
+  EXPECT_EQ(rig.recorder.Take(), "") << "no slider of the page stands upright";
 }
 
-TEST_F(CompressorPageTest, ADragIsOneEditWhoseNumberFollowsTheThumb) {
+TEST_F(CompressorPageTest, SlidersSpanTheirParametersAndADoubleClickBringsTheDefault) {
+  const double defaults[] = {0, 0, -40, 2, 15, 250};
   CompressorRig rig;
-  rig.page.SendTo(kThreshold.slider, WM_KEYDOWN, '0');
-  rig.page.SendTo(kThreshold.slider, WM_KEYUP, '0');
-  rig.recorder.Take();
-  rig.page.SendTo(kThreshold.slider, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, 10));
-  std::ostringstream heard;
-  heard << " B2";
-  for (const int x : {30, 50}) {
-    rig.page.SendTo(kThreshold.slider, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, 10));
-    const double shown_db = std::stod(rig.page.TextOf(kThreshold.text));
-    EXPECT_NEAR(shown_db * 10, rig.Position(kThreshold), 1e-9);
-    heard << " V2=" << shown_db;
+  for (const double beyond : {1e30, -1e30}) {
+    rig.filter.Set(Settings{beyond, beyond, beyond, beyond, beyond, beyond, 0, 0, 0, 0});
+    rig.page.Command(ID_FILTER_CHANGED, 32701);
+    for (const CompressorRow& row : kRows) {
+      const ParamRow& param = rig.Param(row.param);
+      EXPECT_EQ(rig.Position(row), (beyond < 0 ? param.min : param.max) * row.scale);
+    }
   }
-  rig.page.SendTo(kThreshold.slider, WM_LBUTTONUP, 0, MAKELPARAM(50, 10));
-  EXPECT_EQ(rig.recorder.Take(), heard.str() + " E2");
+  for (const CompressorRow& row : kRows) {
+    for (const UINT message : {WM_LBUTTONDBLCLK, WM_LBUTTONUP}) {
+      rig.page.SendTo(row.slider, message, 0, MAKELPARAM(10, 10));  // the thumb's place at the left end
+    }
+    EXPECT_EQ(rig.Value(row), defaults[row.param]);
+  }
 }
 
 TEST_F(CompressorPageTest, TypedNumbersCountWhenTheFocusLeaves) {
@@ -118,7 +106,6 @@ TEST_F(CompressorPageTest, TypedNumbersCountWhenTheFocusLeaves) {
   } rows[] = {
       {kThreshold, L"-20.46", -20.46, L"-20.5"},
       {kThreshold, L"-70", -60, L"-60.0"},
-      {kThreshold, L"5", 0, L"0.0"},
       {kThreshold, L"loud", 0, L"0.0"},
       {kThreshold, L"-0000000000000059", 0, L"0.0"},
       {kAmount, L"2.25", 2.25, L"2.3"},
@@ -131,7 +118,6 @@ TEST_F(CompressorPageTest, TypedNumbersCountWhenTheFocusLeaves) {
       {kAttack, L"-1", 0, L"0"},
       {kRelease, L"2,500", 2500, L"2500"},
       {kRelease, L"6000", 5000, L"5000"},
-      {kRelease, L"soon", 0, L"0"},
   };
   CompressorRig rig;
   for (const auto& [row, typed, value, text] : rows) {
@@ -153,16 +139,11 @@ TEST_F(CompressorPageTest, TypedNumbersCountWhenTheFocusLeaves) {
 
 TEST_F(CompressorPageTest, SwitchesAreSetAsTheirBoxesAreChecked) {
   CompressorRig rig;
-  for (const int i : {0, 1}) {
-    const ParamRow& param = rig.Param(6 + i);
-    for (const int checked : {0, 1, 0}) {
-      rig.page.SendTo(kSwitches[i], BM_SETCHECK, !checked);
-      rig.page.SendTo(kSwitches[i], BM_CLICK);
-      EXPECT_EQ(rig.filter.GetAt(param), checked);
-      rig.filter.SetAt(param, !checked);
-      rig.page.Command(ID_FILTER_CHANGED, 32701);
-      EXPECT_EQ(rig.page.SendTo(kSwitches[i], BM_GETCHECK), !checked);
-    }
+  for (const int i : {0, 1, 0, 1}) {
+    const bool checked = rig.page.SendTo(kSwitches[i], BM_GETCHECK) == BST_CHECKED;
+    EXPECT_EQ(rig.filter.GetAt(rig.Param(6 + i)), checked);
+    rig.page.SendTo(kSwitches[i], BM_CLICK);
+    EXPECT_EQ(rig.filter.GetAt(rig.Param(6 + i)), !checked);
   }
 }
 
@@ -174,8 +155,8 @@ TEST_F(CompressorPageTest, FollowsAutomationAndLetsNobodyInterfere) {
     const bool is_slider = index < 6, is_bypass = index == 8;
     const float target = index == 6 ? param.min : param.max;  // something else than before
     const int id = is_slider ? kRows[index].text : is_bypass ? 0 : kSwitches[index - 6];
-    const bool can_be_disabled = id != 0 && index >= 2;
-    if (can_be_disabled) SetFocus(rig.page.Control(id));
+    const HWND disabled = index >= 2 && !is_bypass ? rig.page.Control(id) : nullptr;
+    SetFocus(disabled);
     MP_ENVELOPE_SEGMENT segment{0, 1000000, target, target, MP_CURVE_JUMP, 0};
     float silence[480] = {};
     ASSERT_EQ(rig.filter.values->AddEnvelope(index, 1, &segment), S_OK);
@@ -183,66 +164,57 @@ TEST_F(CompressorPageTest, FollowsAutomationAndLetsNobodyInterfere) {
     HandlePostedMessages();
     for (const bool is_automated : {true, false}) {
       ASSERT_EQ(rig.filter.direct->ProcessBuffer(silence, 480, 0), S_OK);
-      rig.Tick();
-      EXPECT_EQ(rig.recorder.Take(), "") << "nobody has edited anything";
+      rig.page.Send(WM_TIMER, 1);
       if (is_slider) {
         EXPECT_EQ(rig.Position(kRows[index]), target * kRows[index].scale);
       } else if (!is_bypass) {
         EXPECT_EQ(rig.page.SendTo(id, BM_GETCHECK), target);
       }
-      if (can_be_disabled) {
-        EXPECT_NE(rig.IsEnabled(id), is_automated);
-        EXPECT_NE(GetFocus(), rig.page.Control(id)) << "a disabled control would swallow every key";
+      if (disabled) {
+        EXPECT_NE(IsWindowEnabled(disabled) != FALSE, is_automated);
+        EXPECT_NE(GetFocus(), disabled) << "a disabled control would swallow every key";
       }
       // Every second click puts it back; the one while bypass is automated, and on, does nothing.
       rig.page.Command(ID_BYPASS);
       EXPECT_EQ(rig.filter.GetAt(rig.Param(8)), is_automated);
-      rig.recorder.Take();
       EXPECT_EQ(rig.filter.values->FlushEnvelope(index, 0, 1000000), S_OK);
     }
     EXPECT_EQ(rig.filter.direct->EndStream(), S_OK);
   }
 }
 
-std::vector<float> MeterValues(const Page& page, int meter, UINT message) {
-  float values[2] = {-1, -1};
-  const LRESULT count = page.SendTo(meter, message, MAKEWPARAM(0, 2), reinterpret_cast<LPARAM>(values));
-  return {values, values + count};
+using Values = std::vector<std::vector<float>>;
+Values MeterValues(const Page& page, UINT message) {
+  Values all;
+  for (const int meter : kMeters) {
+    float values[2] = {-1, -1};
+    const LRESULT count = page.SendTo(meter, message, MAKEWPARAM(0, 2), reinterpret_cast<LPARAM>(values));
+    all.emplace_back(values, values + count);
+  }
+  return all;
 }
 
 TEST_F(CompressorPageTest, MetersShowTheStreamAndForgetClipsWhenItStarts) {
   CompressorRig rig;
-  const auto shown = [&](UINT message) {
-    std::vector<std::vector<float>> values;
-    for (const int meter : kMeters) values.push_back(MeterValues(rig.page, meter, message));
-    return values;
-  };
-  using Values = std::vector<std::vector<float>>;
   const Values at_rest = {{0, 0}, {0, 0}, {1}};
-  EXPECT_EQ(shown(ui::kMeterGetLevels), at_rest);
-  EXPECT_EQ(shown(ui::kMeterGetExtremes), at_rest);
-  const Settings gain_only = {0, 6.0206, 0, 1, 0, 250, 0, 0, 0, 0}, limiter = {0, 0, -6.0206, 50, 0, 250, 0, 0, 0, 0};
-  const struct {
-    const Settings& settings;
-    float in, out, reduction;  // of the left channel
-  } rows[] = {{gain_only, 0.75f, 1.5f, 1}, {limiter, 1, 0.5f, 0.5f}};
-  for (const auto& [settings, in, out, reduction] : rows) {
-    rig.filter.Set(settings);
+  EXPECT_EQ(MeterValues(rig.page, ui::kMeterGetLevels), at_rest);
+  rig.filter.Set({0, -6.0206, -6.0206, 50, 0, 250, 0, 0, 0, 0});
+  for (const float left : {1.0f, 0.8f}) {
     ASSERT_EQ(rig.filter.direct->BeginStream(2, 48000), S_OK);
     HandlePostedMessages();
-    EXPECT_EQ(shown(ui::kMeterGetExtremes), at_rest) << "of the stream before";
+    EXPECT_EQ(MeterValues(rig.page, ui::kMeterGetExtremes), at_rest) << "of the stream before";
     for (int i = 0; i < 2; ++i) {
       std::vector<float> frames(9600);
-      for (std::size_t left = 0; left < frames.size(); left += 2) frames[left] = in;
+      for (std::size_t frame = 0; frame < frames.size(); frame += 2) frames[frame] = left;
       ASSERT_EQ(rig.filter.direct->ProcessBuffer(frames.data(), 4800, 0), S_OK);
     }
-    rig.Tick();
-    EXPECT_THAT(shown(ui::kMeterGetExtremes), ElementsAre(ElementsAre(testing::FloatNear(in, 1e-3f), 0.0f),
-                                                          ElementsAre(testing::FloatNear(out, 1e-3f), 0.0f),
-                                                          ElementsAre(testing::FloatNear(reduction, 1e-3f))));
+    rig.page.Send(WM_TIMER, 1);
+    const auto channels = [](auto... values) { return ElementsAre(testing::FloatNear(values, 1e-3f)...); };
+    EXPECT_THAT(MeterValues(rig.page, ui::kMeterGetLevels),
+                ElementsAre(channels(left, 0.0f), channels(0.25f, 0.0f), channels(0.5f / left)));
     EXPECT_EQ(rig.filter.direct->EndStream(), S_OK);
-    rig.Tick();
-    EXPECT_EQ(shown(ui::kMeterGetLevels), at_rest);
+    rig.page.Send(WM_TIMER, 1);
+    EXPECT_EQ(MeterValues(rig.page, ui::kMeterGetLevels), at_rest);
   }
 }
 
@@ -268,9 +240,11 @@ TEST_F(CompressorPageTest, NotificationsRefreshOrReset) {
     }
     rig.page.Command(ID_FILTER_CHANGED, row.code);
     EXPECT_EQ(rig.page.TextOf(kThreshold.text), row.text);
+    for (const auto& extremes : MeterValues(rig.page, ui::kMeterGetExtremes)) {
+      EXPECT_NE(extremes[0] == clip, row.resets_clips);
+    }
     std::vector<int> painted;
     for (const int id : kMeters) {
-      EXPECT_NE(MeterValues(rig.page, id, ui::kMeterGetExtremes)[0] == clip, row.resets_clips);
       if (!GetUpdateRect(rig.page.Control(id), nullptr, FALSE)) painted.push_back(id);
     }
     EXPECT_EQ(painted, row.painted);

@@ -120,6 +120,7 @@ TEST_F(GatePageTest, MayBeClosedByWhoeverIsToldOfAnEdit) {
   using Action = void (*)(GateRig&);
   const Action actions[] = {
       [](GateRig& rig) { rig.page.SendTo(kAttack.slider, WM_KEYDOWN, VK_RIGHT); },
+      [](GateRig& rig) { rig.page.SendTo(kAttack.slider, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA)); },
       [](GateRig& rig) { rig.Type(kRelease, L"1234"), SetFocus(rig.page.frame); },
       [](GateRig& rig) { rig.page.Command(ID_BYPASS); },
       [](GateRig& rig) { rig.page.Command(ID_PRESET_FIRST + 3); },

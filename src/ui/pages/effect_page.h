@@ -138,6 +138,7 @@ class EffectPageFor : public EffectPage {
 
   // A reference, since the page's own may go while the filter is told something.
   directshow::ComPtr<Control> Held() const { return control_; }
+  bool IsShowing(const Control& filter) const { return IsLive() && control_.Get() == &filter; }
 
  private:
   directshow::ComPtr<Control> control_;

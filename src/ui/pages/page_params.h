@@ -22,12 +22,6 @@ struct ParamSlots {
     return value;
   }
   bool IsAutomated(Control& control) const { return (control.*is_automated)() == S_OK; }
-  // One step of an action by hand. It may be in work already: beginning twice does no harm.
-  void Edit(Control& control, Value value, bool is_last_step) const {
-    (control.*begin_edit)();
-    (control.*set)(value);
-    if (is_last_step) (control.*end_edit)();
-  }
 };
 
 #define TERVAN_SLOTS_OF(Control, P) \

@@ -53,8 +53,8 @@ class SliderPageFor : public AutomatedPageFor<Control> {
 
   void SetUpSliders() const {
     for (const Row& row : rows_) {
-      this->Send(row.slider_id, kSliderSetMinimum, 0, row.param.controlMin * row.positions_per_unit);
-      this->Send(row.slider_id, kSliderSetMaximum, 0, row.param.controlMax * row.positions_per_unit);
+      this->Send(row.slider_id, kSliderSetMinimum, 0, Minimum(row));
+      this->Send(row.slider_id, kSliderSetMaximum, 0, Maximum(row));
       this->Send(row.slider_id, kSliderSetDefault, 0, row.default_position);
     }
   }
@@ -69,7 +69,8 @@ class SliderPageFor : public AutomatedPageFor<Control> {
       this->ShowText(row.slider_id, shown_[i] + row.unit);
       this->ShowText(row.field_id, shown_[i]);
       if (id == row.slider_id && refresh != Refresh::kForced && !row.is_always_moved) continue;
-      this->Send(row.slider_id, kSliderSetPosition, TRUE, PositionOf(value, row.positions_per_unit));
+      this->Send(row.slider_id, kSliderSetPosition, TRUE,
+                 std::clamp(PositionOf(value, row.positions_per_unit), Minimum(row), Maximum(row)));
     }
   }
 
@@ -77,7 +78,10 @@ class SliderPageFor : public AutomatedPageFor<Control> {
     for (const Row& row : rows_) {
       if (!slider || slider != this->ControlOf(row.slider_id)) continue;
       const double position = row.scroll(message, code, slider, kLineStep, row.page_step);
-      row.slots.Edit(filter, static_cast<Value>(position / row.positions_per_unit), code == ScrollCode::kEnd);
+      (filter.*row.slots.begin_edit)();  // goes on when it is in work already
+      (filter.*row.slots.set)(static_cast<Value>(position / row.positions_per_unit));
+      // A page that has gone meanwhile will not hear of the action's end.
+      if (code == ScrollCode::kEnd || !this->IsShowing(filter)) (filter.*row.slots.end_edit)();
       this->ShowValues(row.slider_id, Refresh::kOthers);
       return;
     }
@@ -109,6 +113,10 @@ class SliderPageFor : public AutomatedPageFor<Control> {
 
  private:
   static constexpr int kLineStep = 1;
+
+  // Of the slider. Records may hold values beyond, and a fader takes any position.
+  static INT32 Minimum(const Row& row) { return row.param.controlMin * row.positions_per_unit; }
+  static INT32 Maximum(const Row& row) { return row.param.controlMax * row.positions_per_unit; }
 
   const Row (&rows_)[kCount];
   std::array<std::wstring, kCount> shown_;       // in the fields
