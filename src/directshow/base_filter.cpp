@@ -55,7 +55,6 @@ STDMETHODIMP BaseFilter::Run(REFERENCE_TIME start) {
     if (FAILED(result)) return result;
   }
   const LockGuard filter(filter_lock_);
-  start_time_100ns_ = start;
   if (State() != State_Running) {
     for (int i = 0; i < PinCount(); ++i) {
       if (!PinAt(i)->IsConnected()) continue;

@@ -30,12 +30,10 @@ class BasePin;
 
 class BaseFilter : public Implements<ComObject, IBaseFilter, IAMovieSetup> {
  public:
-  // Pins in the order in which they are enumerated, inputs first. They live as long as the filter.
+  // Pins in the order in which they are enumerated, inputs first. They live as long as the filter, always the same
+  // ones.
   virtual int PinCount() noexcept = 0;
   virtual BasePin* PinAt(int index) noexcept = 0;  // 0 <= index < PinCount()
-  // Changes when the set of pins does; enumerators made before are out of sync then.
-  long PinVersion() const noexcept { return pin_version_.load(); }
-  void PinsChanged() noexcept { ++pin_version_; }
 
   // IPersist. E_POINTER.
   STDMETHODIMP GetClassID(CLSID* clsid) override;
@@ -64,8 +62,6 @@ class BaseFilter : public Implements<ComObject, IBaseFilter, IAMovieSetup> {
 
   FILTER_STATE State() const noexcept { return state_.load(); }
   bool IsStopped() const noexcept { return State() == State_Stopped; }
-  // The reference time at which stream time 0 is played; valid while running.
-  REFERENCE_TIME StartTime() const noexcept { return start_time_100ns_.load(); }
   CriticalSection& FilterLock() noexcept { return filter_lock_; }
   CriticalSection& StreamingLock() noexcept { return streaming_lock_; }
 
@@ -97,8 +93,6 @@ class BaseFilter : public Implements<ComObject, IBaseFilter, IAMovieSetup> {
   CriticalSection filter_lock_;
   CriticalSection streaming_lock_;
   std::atomic<FILTER_STATE> state_{State_Stopped};  // written under the filter lock, to stopped under both
-  std::atomic<REFERENCE_TIME> start_time_100ns_{0};
-  std::atomic<long> pin_version_{1};
 
   CriticalSection graph_lock_;  // guards the members below
   ComPtr<IReferenceClock> clock_;

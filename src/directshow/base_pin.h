@@ -66,9 +66,6 @@ class BasePin : public IPin, public IQualityControl {
 
   // Type `index` of those this pin prefers: S_OK, VFW_S_NO_MORE_ITEMS, or a failure. [any thread]
   virtual HRESULT GetMediaType(int index, MediaType* type);
-  // Changes when the answers of GetMediaType do.
-  long MediaTypeVersion() const noexcept { return media_type_version_.load(); }
-  void MediaTypesChanged() noexcept { ++media_type_version_; }
   // Whether this type may be used now. S_OK; everything else refuses. [any thread]
   virtual HRESULT CheckMediaType(const AM_MEDIA_TYPE& type) = 0;
   // Stores the agreed type. Overriding, call this first. [host with the filter lock; stream on a format change]
@@ -109,7 +106,6 @@ class BasePin : public IPin, public IQualityControl {
   const PIN_DIRECTION direction_;
   const wchar_t* const name_;
   std::atomic<bool> is_connected_{false};
-  std::atomic<long> media_type_version_{1};
   std::atomic<IQualityControl*> quality_sink_{nullptr};
 
   CriticalSection connection_lock_;  // guards peer_ and media_type_

@@ -8,22 +8,20 @@
 namespace tervan::directshow {
 namespace {
 
-// What both enumerators do, over a Source: Item, Version(), and Get(index, Item*), which answers S_OK with an item
+// What both enumerators do, over a Source: Item, and Get(index, Item*), which answers S_OK with an item
 // that the caller owns, S_FALSE behind the last one, or a failure.
 template <class Interface, class Source>
 class Enumerator final : public Implements<ComObject, Interface> {
   using Item = typename Source::Item;
 
  public:
-  Enumerator(const Source& source, long version) noexcept
-      : Implements<ComObject, Interface>(nullptr), source_(source), version_(version) {}
+  explicit Enumerator(const Source& source) noexcept : Implements<ComObject, Interface>(nullptr), source_(source) {}
 
   STDMETHODIMP Next(ULONG count, Item* items, ULONG* fetched) override {
     if (fetched) *fetched = 0;
     if (!items) return E_POINTER;
     if (!fetched && count > 1) return E_INVALIDARG;
     const LockGuard guard(lock_);
-    if (IsOutOfSync()) return VFW_E_ENUM_OUT_OF_SYNC;
     ULONG done = 0;
     while (done < count) {
       const HRESULT result = source_.Get(position_, &items[done]);
@@ -38,7 +36,6 @@ class Enumerator final : public Implements<ComObject, Interface> {
 
   STDMETHODIMP Skip(ULONG count) override {
     const LockGuard guard(lock_);
-    if (IsOutOfSync()) return VFW_E_ENUM_OUT_OF_SYNC;
     const int start = position_;
     for (ULONG skipped = 0; skipped < count; ++skipped) {
       Item item;
@@ -56,7 +53,6 @@ class Enumerator final : public Implements<ComObject, Interface> {
   STDMETHODIMP Reset() override {
     const LockGuard guard(lock_);
     position_ = 0;
-    version_ = source_.Version();
     return S_OK;
   }
 
@@ -64,8 +60,7 @@ class Enumerator final : public Implements<ComObject, Interface> {
     if (!out) return E_POINTER;
     *out = nullptr;
     const LockGuard guard(lock_);
-    if (IsOutOfSync()) return VFW_E_ENUM_OUT_OF_SYNC;
-    auto* const clone = new (std::nothrow) Enumerator(source_, version_);
+    auto* const clone = new (std::nothrow) Enumerator(source_);
     if (!clone) return E_OUTOFMEMORY;
     clone->position_ = position_;
     clone->AddRef();
@@ -79,11 +74,8 @@ class Enumerator final : public Implements<ComObject, Interface> {
   }
 
  private:
-  bool IsOutOfSync() { return version_ != source_.Version(); }
-
   CriticalSection lock_;  // guards all below
   Source source_;
-  long version_;
   int position_ = 0;
 };
 
@@ -91,7 +83,6 @@ class PinSource {
  public:
   using Item = IPin*;
   explicit PinSource(BaseFilter& filter) noexcept : filter_(&filter) {}
-  long Version() { return filter_->PinVersion(); }
   HRESULT Get(int index, IPin** item) {
     if (index >= filter_->PinCount()) return S_FALSE;
     *item = filter_->PinAt(index);
@@ -108,7 +99,6 @@ class MediaTypeSource {
  public:
   using Item = AM_MEDIA_TYPE*;
   explicit MediaTypeSource(BasePin& pin) noexcept : pin_(&pin) {}
-  long Version() { return pin_->MediaTypeVersion(); }
   HRESULT Get(int index, AM_MEDIA_TYPE** item) {
     MediaType type;
     const HRESULT result = pin_->GetMediaType(index, &type);
@@ -123,9 +113,9 @@ class MediaTypeSource {
 };
 
 template <class Interface, class Source>
-HRESULT Create(Source source, long version, Interface** out) noexcept {
+HRESULT Create(Source source, Interface** out) noexcept {
   if (!out) return E_POINTER;
-  auto* const enumerator = new (std::nothrow) Enumerator<Interface, Source>(source, version);
+  auto* const enumerator = new (std::nothrow) Enumerator<Interface, Source>(source);
   *out = enumerator;
   if (!enumerator) return E_OUTOFMEMORY;
   enumerator->AddRef();
@@ -135,11 +125,11 @@ HRESULT Create(Source source, long version, Interface** out) noexcept {
 }  // namespace
 
 HRESULT CreatePinEnumerator(BaseFilter& filter, IEnumPins** out) noexcept {
-  return Create<IEnumPins>(PinSource(filter), filter.PinVersion(), out);
+  return Create<IEnumPins>(PinSource(filter), out);
 }
 
 HRESULT CreateMediaTypeEnumerator(BasePin& pin, IEnumMediaTypes** out) noexcept {
-  return Create<IEnumMediaTypes>(MediaTypeSource(pin), pin.MediaTypeVersion(), out);
+  return Create<IEnumMediaTypes>(MediaTypeSource(pin), out);
 }
 
 }  // namespace tervan::directshow

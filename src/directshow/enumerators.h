@@ -10,7 +10,7 @@
 namespace tervan::directshow {
 
 // Next: S_OK; S_FALSE when fewer than asked are left; E_POINTER; E_INVALIDARG when more than one is asked for without a
-// place for the number fetched; VFW_E_ENUM_OUT_OF_SYNC after the pins or types changed, until Reset.
+// place for the number fetched.
 // Skip: S_FALSE, and the position stays, when fewer are left.
 HRESULT CreatePinEnumerator(BaseFilter& filter, IEnumPins** out) noexcept;
 HRESULT CreateMediaTypeEnumerator(BasePin& pin, IEnumMediaTypes** out) noexcept;

@@ -74,7 +74,6 @@ class Object {
   T& operator*() const { return *object_; }
   T* Get() const { return object_; }
   IUnknown* Inner() const { return inner_.Get(); }
-  void Release() { inner_.Reset(); }
 
  private:
   T* object_;
@@ -127,15 +126,9 @@ struct SourceOptions {
 
 class Source;
 
-class SourcePin final : public OutputPin, public IMediaSeeking {
+class SourcePin final : public OutputPin {
  public:
   SourcePin(BaseFilter& filter, const SourceOptions& options) : OutputPin(filter, L"Out"), options_(options) {}
-  STDMETHODIMP QueryInterface(REFIID iid, void** out) override { return OutputPin::QueryInterface(iid, out); }
-  STDMETHODIMP_(ULONG) AddRef() override { return OutputPin::AddRef(); }
-  STDMETHODIMP_(ULONG) Release() override { return OutputPin::Release(); }
-  IUnknown* FindInterface(REFIID iid) noexcept override {
-    return IsEqualGUID(iid, IID_IMediaSeeking) ? static_cast<IMediaSeeking*>(this) : OutputPin::FindInterface(iid);
-  }
   STDMETHODIMP Notify(IBaseFilter* sender, Quality quality) override {
     quality_sender = sender;
     quality_proportion = quality.Proportion;
@@ -171,31 +164,14 @@ class SourcePin final : public OutputPin, public IMediaSeeking {
     return result;
   }
 
-  // Seeking flushes and starts the stream again; the rest of the interface is not needed here.
-  STDMETHODIMP SetPositions(LONGLONG* current, DWORD, LONGLONG*, DWORD) override {
+  // As a seeking source does: flushes and starts the stream again.
+  void Seek(REFERENCE_TIME segment_start_100ns) {
     DeliverBeginFlush();
     if (worker_.joinable()) worker_.join();
     DeliverEndFlush();
-    segment_start_100ns_ = *current;
+    segment_start_100ns_ = segment_start_100ns;
     if (!Filter().IsStopped()) worker_ = std::thread([this] { Stream(); });
-    return S_OK;
   }
-  STDMETHODIMP GetDuration(LONGLONG* duration) override { return *duration = 1234567, S_OK; }
-  STDMETHODIMP GetCapabilities(DWORD* caps) override { return *caps = AM_SEEKING_CanSeekAbsolute, S_OK; }
-  STDMETHODIMP CheckCapabilities(DWORD*) override { return E_NOTIMPL; }
-  STDMETHODIMP IsFormatSupported(const GUID*) override { return E_NOTIMPL; }
-  STDMETHODIMP QueryPreferredFormat(GUID*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetTimeFormat(GUID*) override { return E_NOTIMPL; }
-  STDMETHODIMP IsUsingTimeFormat(const GUID*) override { return E_NOTIMPL; }
-  STDMETHODIMP SetTimeFormat(const GUID*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetStopPosition(LONGLONG*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetCurrentPosition(LONGLONG*) override { return E_NOTIMPL; }
-  STDMETHODIMP ConvertTimeFormat(LONGLONG*, const GUID*, LONGLONG, const GUID*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetPositions(LONGLONG*, LONGLONG*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetAvailable(LONGLONG*, LONGLONG*) override { return E_NOTIMPL; }
-  STDMETHODIMP SetRate(double) override { return E_NOTIMPL; }
-  STDMETHODIMP GetRate(double*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetPreroll(LONGLONG*) override { return E_NOTIMPL; }
 
   std::atomic<HRESULT> last_delivery = E_PENDING;
   std::atomic<bool> was_overwritten = false;  // somebody wrote into read-only samples
@@ -354,12 +330,10 @@ class Sink final : public BaseFilter {
   SinkPin pin;
 };
 
-inline constexpr CLSID kInverterClsid = {0x5f1c2a10, 0x6d5e, 0x4c3b, {0x9a, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77}};
-
 // Inverts every byte; accepts audio of any rate but 8000 Hz.
 class Inverter final : public InPlaceTransformFilter {
  public:
-  explicit Inverter(IUnknown* outer = nullptr) : InPlaceTransformFilter(outer, kInverterClsid) {}
+  Inverter() : InPlaceTransformFilter(nullptr, CLSID_NULL) {}
   ~Inverter() override {
     AddRef();  // a destructor may hand itself out: this must not destroy it twice
     Release();
@@ -381,9 +355,7 @@ class Inverter final : public InPlaceTransformFilter {
     for (long i = 0; i < sample.GetActualDataLength(); ++i) bytes[i] ^= 0xFF;
     return S_OK;
   }
-  const FilterSetup* Setup() noexcept override { return setup; }
 
-  const FilterSetup* setup = nullptr;
   HRESULT start_result = S_OK;
   HRESULT transform_result = S_OK;
   int starts = 0;

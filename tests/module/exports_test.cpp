@@ -158,7 +158,20 @@ TEST_P(IdentityTest, InsideAnOuterObjectAllInterfacesButOneAreTheOuters) {
     EXPECT_EQ(Query<IUnknown>(answered.Get()).Get(), static_cast<IUnknown*>(&owner));
     EXPECT_TRUE(Query<IServiceProvider>(answered.Get()));
   }
+  {
+    const auto filter = Query<IBaseFilter>(&owner);
+    ComPtr<IPin> pin;
+    ComPtr<IEnumPins> pins;
+    ASSERT_EQ(filter->FindPin(L"Input", pin.Put()), S_OK);
+    EXPECT_EQ(owner.references, 2) << "pins share the filter's count";
+    EXPECT_NE(Query<IUnknown>(pin.Get()).Get(), static_cast<IUnknown*>(&owner)) << "a pin is an object of its own";
+    ASSERT_EQ(filter->EnumPins(pins.Put()), S_OK);
+    EXPECT_EQ(owner.references, 3) << "an enumerator keeps the filter alive";
+  }
   EXPECT_EQ(owner.references, 0);
+  owner.inner->AddRef();
+  EXPECT_EQ(owner.references, 0) << "the inner unknown counts for itself";
+  EXPECT_EQ(owner.inner->Release(), 1u);
   EXPECT_EQ(owner.inner->Release(), 0u);
 }
 

@@ -208,7 +208,8 @@ TEST_P(GraphTest, TheEndIsDeliveredWhateverBecomesOfTheDrain) {
   EXPECT_EQ(graph.sink->pin.log, "sample end ");
 }
 
-// Connected, streaming, flushed, stopped and torn down in any order: nothing stays behind.
+// Connected, streaming, flushed, stopped and torn down in any order: nothing stays behind. A graph that goes first has
+// to stop its filters itself.
 TEST_P(GraphTest, LeavesNothingBehindInWhateverOrderItIsUsed) {
   std::mt19937 random(7);
   const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
@@ -227,13 +228,17 @@ TEST_P(GraphTest, LeavesNothingBehindInWhateverOrderItIsUsed) {
           case 4: graph.input->NewSegment(0, 100, 1.0); break;
         }
       }
-      EXPECT_HRESULT_SUCCEEDED(graph.media->Stop());
-      if (pick(2)) graph.builder->RemoveFilter(graph.base.Get());
+      if (pick(2)) graph.media.Reset(), graph.builder.Reset();
+      if (graph.media) {
+        EXPECT_HRESULT_SUCCEEDED(graph.media->Stop());
+      }
+      if (graph.builder && pick(2)) graph.builder->RemoveFilter(graph.base.Get());
       if (pick(2)) graph.base.Reset(), graph.filter.Release();
       if (pick(2)) graph.input.Reset();
       if (pick(2)) graph.media.Reset(), graph.builder.Reset();
     }
     ASSERT_EQ(CanUnloadNow(), S_OK);
+    ASSERT_EQ(directshow::ComObject::LiveCount(), 0) << "source and sink";
   }
 }
 

@@ -68,6 +68,9 @@ TEST_F(WaveParserTest, AFileIsCompressedFromAnyPositionToItsEnd) {
 
   const auto seeking = Query<IMediaSeeking>(graph.output.Get());  // passed on to the parser
   ASSERT_TRUE(seeking);
+  LONGLONG duration = 0;
+  EXPECT_EQ(seeking->GetDuration(&duration), S_OK);
+  EXPECT_EQ(duration, 10000000);
   SinkPin& sink = graph.sink->pin;
   for (LONGLONG start : {0, 5000000, 0}) {
     SCOPED_TRACE(start);
