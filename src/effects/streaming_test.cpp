@@ -27,21 +27,18 @@ namespace tervan {
 namespace {
 
 using tervan::testing::AllocationsOfThisThread;
+using tervan::testing::FakeClock;
 using tervan::testing::FakePoster;
 using tervan::testing::Window;
 
 constexpr std::int64_t kMs = 10000;  // 100-ns units
-
-struct StillClock : StreamClock {
-  std::int64_t Now_100ns() override { return 40 * kMs; }
-};
 
 // An effect that is watched and automated as far as it can be.
 template <typename EffectType>
 struct EffectStreaming : ::testing::Test {
   EffectStreaming() {
     if constexpr (std::is_same_v<EffectType, CompressorEffect>) {
-      effect.settings_control().SetClock(std::make_shared<StillClock>());
+      effect.settings_control().SetClock(clock);
     }
     effect.control().SetNotifyWindow(Window(1), 5);
   }
@@ -62,6 +59,7 @@ struct EffectStreaming : ::testing::Test {
     return processor.Transform(sample);
   }
 
+  std::shared_ptr<FakeClock> clock = std::make_shared<FakeClock>(40 * kMs);
   FakePoster poster;
   EffectType effect{poster};
   StreamProcessor processor{effect};
@@ -119,11 +117,14 @@ TYPED_TEST(EffectStreaming, TheHostsFloatingPointEnvironmentDoesNotMatter) {
                                {_MM_ROUND_DOWN | kUnmasked, 0x0072},  // the x87 unit in single precision, unmasked
                                {_MM_ROUND_UP | kFlushing, 0x027f},
                                {_MM_ROUND_TOWARD_ZERO | kUnmasked, 0x0f7f}};
-  if constexpr (std::is_same_v<TypeParam, DitherEffect>) {
-    this->effect.settings_control().Set(dither::kType, 0);  // any noise is another one with every start
-  } else {
-    EXPECT_EQ(ApplyPreset(this->effect, 3), S_OK);
-  }
+  const auto set_up = [this] {
+    if constexpr (std::is_same_v<TypeParam, DitherEffect>) {
+      this->effect.settings_control().Set(dither::kType, 0);  // any noise is another one with every start
+    } else {
+      EXPECT_EQ(ApplyPreset(this->effect, 3), S_OK);
+    }
+  };
+  set_up();
   auto programme = testing::SamplesOf<float>(testing::Programme(6000, 2, 500, 3));
   programme[1001] = std::numeric_limits<float>::signaling_NaN();
   programme[2002] = std::numeric_limits<float>::infinity();
@@ -135,6 +136,9 @@ TYPED_TEST(EffectStreaming, TheHostsFloatingPointEnvironmentDoesNotMatter) {
     this->processor.ProcessBuffer(samples.data(), 3000, false);
     this->processor.Refresh(true);
     this->Run(samples.data() + 6000, 3000 * 8, 0);
+    set_up();
+    this->processor.ProcessBuffer(samples.data(), 0, true);
+    this->processor.EndStream();
     const Environment after = Environment::Current();
     usual.Set();
     EXPECT_EQ(after, host);

@@ -1,5 +1,5 @@
-// Host, page and streaming threads at work on each effect. Meant for ThreadSanitizer; what must hold in any
-// interleaving is checked as well.
+// Host, page and streaming threads at work on each effect, and on what effects are made of. Meant for ThreadSanitizer;
+// what must hold in any interleaving is checked as well.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <thread>
 #include <type_traits>
@@ -24,8 +25,10 @@
 namespace tervan {
 namespace {
 
+using tervan::testing::FakeClock;
 using tervan::testing::FakePoster;
 using tervan::testing::FakeStream;
+using tervan::testing::OpenAutomatedControl;
 using tervan::testing::Window;
 
 constexpr std::int64_t kMs = 10000;  // 100-ns units
@@ -56,6 +59,7 @@ void StreamAudio(StreamProcessor& processor) {
     processor.StartStreaming();
     for (std::int64_t block = 0; block < 60; ++block) {
       frames = signal;
+      processor.AdvanceStreamTime(kFrames * 8);
       processor.SetBlock({block * 20 * kMs, (block + 1) * 20 * kMs});
       SampleView sample{frames.data(), kFrames * 8, kFrames * 8, block % 9 == 0};
       EXPECT_EQ(processor.Transform(sample), S_OK);
@@ -77,6 +81,14 @@ void EditOnPage(AutomatedControl& control, int edit) {
   }
   control.IsAutomated(row);
   control.EndEdit(row);
+}
+
+void EditOnPage(CompressorControl& control, int edit) {
+  EditOnPage(static_cast<AutomatedControl&>(control), edit);
+  if (edit % 8 == 0) control.SetClock(std::make_shared<FakeClock>(edit % 1000 * kMs));
+  CompressorMeters meters{};
+  EXPECT_EQ(control.GetMeters(&meters), S_OK);
+  EXPECT_TRUE(std::isfinite(meters.reduction) && meters.reduction >= 0.0) << meters.reduction;
 }
 
 void EditOnPage(DitherControl& control, int edit) {
@@ -143,6 +155,43 @@ TYPED_TEST(EffectThreads, HostPageAndStreamWorkTogether) {
     EXPECT_TRUE(params->EndEdit(row));
     EXPECT_EQ(recorder->begun[row], recorder->ended[row]) << row;
   }
+}
+
+TEST(Threads, SnapshotsHoldAllOfARecordOrNone) {
+  FakePoster poster;
+  OpenAutomatedControl control(compressor::kParams, poster);
+  const auto record_of = [](float value) {
+    const auto word = static_cast<std::int32_t>(value);
+    return CompressorSettings{value, value, value, value, value, value, word, word, 0, word};
+  };
+  CompressorSettings record = record_of(0);
+  control.ImportRecord(&record);
+
+  std::jthread host([&] {
+    for (int i = 0; i <= 3000; ++i) {
+      const CompressorSettings given = record_of(static_cast<float>(i));
+      control.ImportRecord(&given);
+    }
+  });
+  float latest = 0;
+  for (int polls = 0; latest < 3000 && polls < 100'000'000; ++polls) {
+    if (!control.FetchRecord(&record)) continue;  // a change that is not announced is never looked at
+    EXPECT_GE(record.input_gain_db, latest);
+    latest = record.input_gain_db;
+    const CompressorSettings whole = record_of(latest);
+    ASSERT_EQ(std::memcmp(&record, &whole, sizeof record), 0) << latest;
+  }
+  host.join();
+  EXPECT_EQ(latest, 3000);  // the last change was announced, too
+}
+
+TEST(Threads, RecorderCanBeReplacedWhileItIsTold) {
+  ParamManager params(compressor::kParams);
+  std::jthread page([&] {
+    for (int i = 0; i < 2000; ++i) params.SetFloat(0, static_cast<float>(i % 20));
+  });
+  for (int i = 0; i < 500; ++i) params.SetRecorder(i % 2 == 0 ? std::make_shared<CountingRecorder>(params) : nullptr);
+  page.join();
 }
 
 }  // namespace

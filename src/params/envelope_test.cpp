@@ -55,19 +55,6 @@ struct Automation {
   std::uint32_t flags = 0;
 };
 
-TEST(Envelope, AQuarterOfTheWayEveryCurveIsWhereItsFormulaSays) {
-  constexpr std::uint32_t kSine = 16;
-  for (const auto& [curve, expected] : {std::pair{kCurveJump, 0.0f},
-                                        {kCurveLinear, 4.0f},
-                                        {kCurveSquare, 1.0f},
-                                        {kCurveInverseSquare, 7.0f},
-                                        {kSine, 0.0f}}) {
-    Automation automation;
-    automation.Add({{-kSecond, kSecond, 0, 16, curve, 0}});
-    EXPECT_FLOAT_EQ(automation.ValueAt(-kSecond / 2), expected) << "curve " << curve;
-  }
-}
-
 TEST(Envelope, RampBecomesAStaircaseOf20Milliseconds) {
   for (const auto& [rate_hz, chunk] : {std::pair{48000u, 960u}, {44100u, 882u}, {192000u, 3840u}}) {
     SCOPED_TRACE(rate_hz);
@@ -81,20 +68,6 @@ TEST(Envelope, RampBecomesAStaircaseOf20Milliseconds) {
     automation.Next();
     EXPECT_EQ(automation.flags, 0u);
   }
-}
-
-TEST(Envelope, NewSegmentsReplaceWhatTheyOverlapAndKeepWhatTheyTouch) {
-  Automation automation;
-  const auto jump = [](std::int64_t from_ms, std::int64_t to_ms) {
-    return SegmentData{from_ms * kMs, to_ms * kMs, 0, 0, kCurveJump, 0};
-  };
-  automation.Add({jump(0, 10), jump(10, 20), jump(30, 40), jump(50, 60)});
-  automation.Add({jump(20, 26)});
-  automation.Add({jump(6, 10)});
-  automation.manager.FlushEnvelope(0, 40 * kMs, 50 * kMs + 1);
-  std::string covered;
-  for (int ms = 1; ms < 60; ms += 2) covered += automation.CoveredAt(ms * kMs) ? 'x' : '.';
-  EXPECT_EQ(covered, "...xxxxxxxxxx..xxxxx..........");
 }
 
 TEST(Envelope, RefusedArgumentsChangeNothing) {

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdint>
 #include <span>
-#include <string>
 
 #include "effects/compressor/compressor_settings.h"
 #include "effects/eq/eq_settings.h"
@@ -23,7 +22,6 @@ TEST(ParamTables, ControlRangesAreTheRangesInTheUnitsOfTheRecord) {
       EXPECT_EQ(ValueOfInteger(row, row.controlMax), row.info.mpdMaxValue);
       EXPECT_GE(row.info.mpdNeutralValue, row.info.mpdMinValue);
       EXPECT_LE(row.info.mpdNeutralValue, row.info.mpdMaxValue);
-      EXPECT_EQ(row.info.mopCaps, row.info.mpType == ParamType::kFloat ? 15u : 1u);
       for (std::int32_t control = row.controlMin - 120; control <= row.controlMax + 120; ++control) {
         ASSERT_EQ(IntegerOfValue(row, ValueOfInteger(row, control)), control);
       }
@@ -50,13 +48,6 @@ TEST(ParamDescriptor, IntegersRoundHalfAwayFromZero) {
                         {hz, NAN, 0}}) {
     EXPECT_EQ(IntegerOfValue(c.row, c.value), c.control) << c.value;
   }
-}
-
-TEST(ParamDescriptor, TextListsLabelUnitAndItems) {
-  using namespace std::string_literals;
-  EXPECT_EQ(ParamText(compressor::kParams[4]), u"Attack Time\0ms\0\0\0"s);
-  EXPECT_EQ(ParamText(eq::kParams[3]), u"Band1 Rolloff\0dB/octave\0006\00012\00018\00024\0\0"s);
-  EXPECT_EQ(ParamText(eq::kParams[4]), u"Band1 Mode\0\0Low Shelf\0Band\0High Shelf\0\0"s);
 }
 
 }  // namespace

@@ -37,16 +37,6 @@ struct ParamManagerTest : ::testing::Test {
   std::shared_ptr<RecordingRecorder> recorder = std::make_shared<RecordingRecorder>();
 };
 
-TEST_F(ParamManagerTest, StartsNeutralAndChecksArguments) {
-  for (std::uint32_t i = 0; i < 9; ++i) EXPECT_EQ(Value(i), compressor::kParams[i].info.mpdNeutralValue) << i;
-  EXPECT_EQ(manager.GetParam(0, nullptr), E_POINTER);
-  for (const std::uint32_t no_row : {9u, kAllParams}) {
-    float value = 77;
-    EXPECT_EQ(manager.GetParam(no_row, &value), E_INVALIDARG);
-    EXPECT_EQ(manager.SetParam(no_row, 0), E_INVALIDARG);
-  }
-}
-
 TEST_F(ParamManagerTest, SetParamTellsChangedFromSameFromRefused) {
   struct Step {
     float value;

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdint>
 #include <string>
-#include <tuple>
 
 #include "effects/compressor/compressor_settings.h"
 #include "testing/fakes.h"
@@ -56,14 +55,6 @@ TEST_F(AutomatedControlTest, SettersClampAndMarkOnlyRealChanges) {
   EXPECT_EQ(compressor.Get(0, static_cast<float*>(nullptr)), E_POINTER);
 }
 
-TEST_F(AutomatedControlTest, HostsSettersMarkOnlyRealChanges) {
-  for (const auto& [value, result, flags] :
-       {std::tuple{60.0f, E_INVALIDARG, "--"}, {6.0f, S_OK, "cd"}, {6.0f, S_FALSE, "--"}}) {
-    EXPECT_EQ(compressor.SetParam(3, value), result);
-    EXPECT_EQ(Flags(compressor), flags);
-  }
-}
-
 TEST_F(AutomatedControlTest, EndOfAnEditMarksTheSettings) {
   EXPECT_EQ(compressor.BeginEdit(3), S_OK);
   EXPECT_EQ(compressor.BeginEdit(3), S_FALSE);
@@ -72,16 +63,6 @@ TEST_F(AutomatedControlTest, EndOfAnEditMarksTheSettings) {
     EXPECT_EQ(compressor.EndEdit(3), S_OK);
     EXPECT_EQ(Flags(compressor), "c-");
   }
-}
-
-TEST_F(AutomatedControlTest, AutomatedMeansInsideASegment) {
-  const SegmentData segment{0, 100, -10, 0, kCurveJump, 0};
-  ParamManager& params = compressor.params();
-  params.SetStreaming(true);
-  params.AddEnvelope(2, 1, &segment);
-  params.NextChangeFrames(1, nullptr);
-  EXPECT_EQ(compressor.IsAutomated(2), S_OK);
-  EXPECT_EQ(compressor.IsAutomated(3), S_FALSE);
 }
 
 TEST_F(AutomatedControlTest, StartsChangedButNotDirtyAndRecordsMarkAlways) {

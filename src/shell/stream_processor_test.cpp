@@ -279,14 +279,5 @@ TEST(DirectProcessing, OnlyTheCompressorHasATailAndOnlyAfterData) {
   }
 }
 
-TEST(DirectProcessing, RefusesWhatHasNoPlace) {
-  DirectRig rig(Like::kCompressor);
-  for (const std::uint32_t channels : {0u, 3u, 65537u}) {
-    EXPECT_EQ(rig.processor.BeginStream(channels, 44100), E_INVALIDARG);
-  }
-  EXPECT_EQ(rig.processor.ProcessBuffer(nullptr, 5, false), E_POINTER);
-  EXPECT_EQ(rig.processor.GetTail(rig.floats.data(), nullptr), E_POINTER);
-}
-
 }  // namespace
 }  // namespace tervan

@@ -18,6 +18,10 @@
 
 namespace tervan::testing {
 
+// What engines process.
+using Formats = ::testing::Types<std::uint8_t, std::int16_t, std::int32_t, float, double>;
+using Floats = ::testing::Types<float, double>;
+
 // The owner of an engine. A change is waiting while `changed` is set.
 template <typename Settings, typename Source = SettingsSource<Settings>>
 struct FakeSource : Source {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -12,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "effects/compressor/compressor_control.h"
 #include "params/param_recorder.h"
 #include "shell/automated_control.h"
 #include "shell/effect.h"
@@ -62,6 +64,12 @@ class FakePoster : public WindowPoster {
 
  private:
   std::vector<Message> messages_;
+};
+
+struct FakeClock : StreamClock {
+  explicit FakeClock(std::int64_t time_100ns = 0) : now_100ns(time_100ns) {}
+  std::int64_t Now_100ns() override { return now_100ns; }
+  std::atomic<std::int64_t> now_100ns;
 };
 
 using Bytes = std::vector<std::uint8_t>;

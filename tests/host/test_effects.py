@@ -103,33 +103,11 @@ def test_stored_settings_come_back(host, name, settings, last):
     assert struct.unpack(STATES[name][1], host.read("again")[20:]) == expected != first
 
 
-def test_older_stored_settings_are_read(host):
-    host.write("old", struct.pack("<I16x6f", 44, -1, -2, -3, 4, 5, 6))
-    assert stored(host, "compressor:load=old") == (-1, -2, -3, 4, 5, 6, 1, 0, 0, 0)
-
-
 def test_both_paths_give_the_same_samples(host):
     host.write("in.wav", wav.wav("float32", wav.tones(50000)))
     for path in ("graph", "direct"):
         host.render("in.wav", path, "--path", path, *chain("gate:preset=5", "eq:preset=9", "compressor:preset=6"))
     assert host.read("graph") == host.read("direct")
-
-
-@PATHS
-def test_new_effects_do_not_touch_float(host, path):
-    samples = wav.tones(20000)
-    host.write("in.wav", wav.wav("float32", samples))
-    host.render("in.wav", "out.wav", "--path", path, *chain("compressor", "eq", "gate"))
-    assert wav.parse(host.read("out.wav")).data == wav.pack("float32", samples)
-
-
-@PATHS
-def test_dither_without_noise_rounds_to_its_depth(host, path):
-    samples = [step / 512 for step in range(-512, 512)]
-    host.write("in.wav", wav.wav("pcm16", samples))
-    host.render("in.wav", "out.wav", "--path", path, "--bits", 16, "--effect", "dither:depth=8:type=none")
-    expected = [round(sample * 128) / 128 for sample in samples]
-    assert wav.parse(host.read("out.wav")).data == wav.pack("pcm16", expected)
 
 
 @PATHS

@@ -99,17 +99,21 @@ TEST_F(EqSettingsTest, TheSelectedBandThePollAndSettingsByBandHaveSlots) {
   EXPECT_EQ(filter.Get()[24], 3);
   EXPECT_EQ(filter.Slot(127, kNull), E_POINTER);
 
-  EXPECT_EQ(filter.Slot(129), S_FALSE);
-  EXPECT_EQ(filter.values->SetParam(0, 250), S_OK);
+  EXPECT_EQ(filter.SetAt(filter.effect.params[0], 250), S_OK);
+  EXPECT_EQ(filter.values->SetParam(0, 250), S_FALSE);
+  EXPECT_EQ(filter.values->SetParam(0, 20001), E_INVALIDARG);
+  EXPECT_EQ(filter.Slot(129), S_FALSE) << "nothing that the page does not know";
+  EXPECT_EQ(filter.values->SetParam(0, 300), S_OK);
   EXPECT_EQ(filter.Slot(129), S_OK);
   EXPECT_EQ(filter.Slot(129), S_FALSE);
 
   filter.Set(filter.effect.loaded);
   const int first_words[] = {8, 0, 4, 12, 16, 20};  // frequency, gain, bandwidth, mode, rolloff, enable
   for (int kind = 0; kind < 6; ++kind) {
-    for (const int band : {0, 1, 2, 3, 4}) {
+    for (const int band : {INT_MIN, -1, 0, 1, 2, 3, 4, INT_MAX}) {
+      const bool is_one = band >= 0 && band <= 3;
       EXPECT_EQ(filter.Slot(135 + kind, &(value = -77), band), S_OK);
-      EXPECT_EQ(value, band > 3 ? -77 : filter.effect.loaded[first_words[kind] + band]) << kind << ' ' << band;
+      EXPECT_EQ(value, is_one ? filter.effect.loaded[first_words[kind] + band] : -77) << kind << ' ' << band;
     }
     EXPECT_EQ(filter.Slot(135 + kind, kNull, 0), E_POINTER);
   }

@@ -51,7 +51,6 @@ struct DitherEffectTest : ::testing::Test {
 
 template <typename Sample>
 struct DitherFormat : DitherEffectTest {};
-using Formats = ::testing::Types<std::uint8_t, std::int16_t, std::int32_t, float, double>;
 TYPED_TEST_SUITE(DitherFormat, Formats);
 
 // All settings; others come in the stream, and later a break.

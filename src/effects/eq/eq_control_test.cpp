@@ -40,25 +40,6 @@ TEST_F(EqControlTest, SelectedBandGoesWithTheRecordButIsNoChange) {
   EXPECT_EQ(settings.selected_band, 2);
 }
 
-TEST_F(EqControlTest, NoBandBesideTheFourIsRead) {
-  for (const std::int32_t band : {4, -1, INT32_MAX}) {
-    std::int32_t untouched = 77;
-    EXPECT_EQ(control.GetBand(&untouched, band, eq::kGain), S_OK);
-    EXPECT_EQ(untouched, 77);
-  }
-}
-
-TEST_F(EqControlTest, PageLearnsOnceOfWhatTheHostHasSet) {
-  constexpr std::uint32_t kIndex = eq::ParamIndex(1, eq::kGain);
-  EXPECT_EQ(control.Set(kIndex, 30), S_OK);
-  EXPECT_EQ(effect.SetParam(kIndex, 3.0f), S_FALSE);
-  EXPECT_EQ(effect.SetParam(kIndex, 15.1f), E_INVALIDARG);
-  EXPECT_EQ(control.PollChanged(), S_FALSE);
-  EXPECT_EQ(effect.SetParam(kIndex, 4.5f), S_OK);
-  EXPECT_EQ(control.PollChanged(), S_OK);
-  EXPECT_EQ(control.PollChanged(), S_FALSE);
-}
-
 TEST_F(EqControlTest, BypassIsDecidedChunkByChunk) {
   constexpr std::int64_t kMs = 10000;  // 100-ns units
   const SegmentData steps[] = {{0, 10 * kMs, 0, 0, kCurveJump, 0},

@@ -40,7 +40,6 @@ std::vector<Sample> Equalised(const EqSettings& settings, std::vector<Sample> da
 
 template <typename Sample>
 struct EqFormat : ::testing::Test {};
-using Formats = ::testing::Types<std::uint8_t, std::int16_t, std::int32_t, float, double>;
 TYPED_TEST_SUITE(EqFormat, Formats);
 
 // The engine in blocks, the model at one go; between the parts of a stream the settings change.
@@ -177,7 +176,6 @@ TEST(EqEngine, GainsAreThoseThatTheSettingsPromise) {
 
 template <typename Sample>
 struct EqFloats : ::testing::Test {};
-using Floats = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(EqFloats, Floats);
 
 TYPED_TEST(EqFloats, SamplesThatAreNotFiniteLeaveNoTrace) {

@@ -26,7 +26,6 @@ namespace {
 using namespace tervan::testing;
 using StartedGate = StartedEngine<GateEngine, GateSettings>;
 
-using Formats = ::testing::Types<std::uint8_t, std::int16_t, std::int32_t, float, double>;
 template <typename Sample>
 struct GateFormat : ::testing::Test {};
 TYPED_TEST_SUITE(GateFormat, Formats);
@@ -175,7 +174,6 @@ TEST(GateEngine, LevelBackDuringTheReleaseLeadsUpFromTheGainReached) {
 
 template <typename Sample>
 struct GateFloats : ::testing::Test {};
-using Floats = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(GateFloats, Floats);
 
 TYPED_TEST(GateFloats, SamplesThatAreNotFiniteCountAsSilence) {
