@@ -170,6 +170,11 @@ TEST_F(EqGraphTest, MenuShowsAndChangesABand) {
     EXPECT_EQ(Choose(row.downs), row.shown);
     EXPECT_EQ(std::memcmp(&curve.nodes[1], &row.expected, sizeof(EqCurveNode)), 0) << row.downs;
   }
+  UseMenu([&] {
+    List(FALSE, &curve);
+    for (const WPARAM key : {VK_DOWN, VK_RETURN}) PostMessageW(control, WM_KEYDOWN, key, 0);
+  });
+  EXPECT_EQ(curve.nodes[1].enable, 1) << "no longer the graph's";
   UseMenu([&] { DestroyWindow(control); });
   EXPECT_EQ(FindWindowW(L"#32768", nullptr), nullptr) << "the menu stayed";
 }
