@@ -25,7 +25,6 @@
 namespace tervan {
 namespace {
 
-using tervan::testing::FakeClock;
 using tervan::testing::FakePoster;
 using tervan::testing::FakeStream;
 using tervan::testing::OpenAutomatedControl;
@@ -59,7 +58,6 @@ void StreamAudio(StreamProcessor& processor) {
     processor.StartStreaming();
     for (std::int64_t block = 0; block < 60; ++block) {
       frames = signal;
-      processor.AdvanceStreamTime(kFrames * 8);
       processor.SetBlock({block * 20 * kMs, (block + 1) * 20 * kMs});
       SampleView sample{frames.data(), kFrames * 8, kFrames * 8, block % 9 == 0};
       EXPECT_EQ(processor.Transform(sample), S_OK);
@@ -81,14 +79,6 @@ void EditOnPage(AutomatedControl& control, int edit) {
   }
   control.IsAutomated(row);
   control.EndEdit(row);
-}
-
-void EditOnPage(CompressorControl& control, int edit) {
-  EditOnPage(static_cast<AutomatedControl&>(control), edit);
-  if (edit % 8 == 0) control.SetClock(std::make_shared<FakeClock>(edit % 1000 * kMs));
-  CompressorMeters meters{};
-  EXPECT_EQ(control.GetMeters(&meters), S_OK);
-  EXPECT_TRUE(std::isfinite(meters.reduction) && meters.reduction >= 0.0) << meters.reduction;
 }
 
 void EditOnPage(DitherControl& control, int edit) {

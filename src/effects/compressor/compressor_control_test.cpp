@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <ostream>
+#include <thread>
 #include <tuple>
 #include <vector>
 
@@ -30,6 +32,7 @@ using tervan::testing::FakePoster;
 using tervan::testing::Window;
 
 constexpr std::int64_t kSecond = 10000000;  // 100-ns units
+constexpr std::int64_t kMs = kSecond / 1000;
 
 CompressorMeters Record(double x) { return {x, 2 * x, 3 * x, 4 * x, 5 * x}; }
 
@@ -193,6 +196,32 @@ TEST_F(CompressorEffectTest, StartLoadsTheSettingsAndTheWatchedStreamMeters) {
   EXPECT_GT(Meters().input_left, 0.5);
   EXPECT_EQ(effect.Stop(), S_OK);
   EXPECT_EQ(Meters(), kIdleMeters);
+}
+
+TEST_F(CompressorEffectTest, PageWatchesAndEditsWhileAudioFlows) {
+  const auto clock = std::make_shared<FakeClock>();
+  CompressorControl& control = effect.settings_control();
+  control.SetClock(clock);
+  control.SetNotifyWindow(Window(1), 5);  // metering is on only when watched
+  std::atomic<bool> done = false;
+  std::jthread page([&] {
+    for (int i = 0; !done; ++i) {
+      clock->now_100ns = i % 100 * kMs;
+      CompressorMeters meters{};
+      EXPECT_EQ(control.GetMeters(&meters), S_OK);
+      EXPECT_TRUE(std::isfinite(meters.reduction) && meters.reduction >= 0.0) << meters.reduction;
+      control.Set(static_cast<std::uint32_t>(i % 6), static_cast<float>(i % 30));
+      if (i % 8 == 0) control.SetClock(clock);
+    }
+  });
+  Connect(2);
+  std::vector<float> frames(4000);
+  for (int run = 0; run < 10; ++run) {
+    EXPECT_EQ(processor.StartStreaming(), S_OK);
+    for (int block = 0; block < 25; ++block) EXPECT_EQ(Transform(frames), S_OK);
+    EXPECT_EQ(processor.StopStreaming(), S_OK);
+  }
+  done = true;
 }
 
 // Buffers have their exact size, so that a sanitizer sees a frame too many.
