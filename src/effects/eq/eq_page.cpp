@@ -56,7 +56,7 @@ constexpr int kDefaultFrequency_hz[kEqBands] = {100, 300, 1000, 5000};
 
 constexpr int kFullCut = -150;  // tenths of a dB: the lowest gain means none at all
 constexpr int kModes = 3;
-constexpr int kDecibelsPerRolloff = 6;
+constexpr double kDecibelsPerRolloff = 6.0;
 constexpr double kRolloffsPerDecibel = 0.16666666666666666;
 constexpr int kMaxTextLength = 15;
 
@@ -65,6 +65,7 @@ constexpr ui::PressCommands kEnabledPress{.begin = 41004, .press = 41003, .end =
 
 constexpr int kBandwidthTopic = 20;
 constexpr int kRolloffTopic = 27;
+constexpr int kRolloffHelpId = 4044;  // no control has it: the rolloff shares those of the bandwidth
 constexpr ui::HelpTopic kHelpTopics[] = {
     {IDC_EQ_GRAPH, 23},
     {IDC_EQ_TABS, 26},
@@ -79,6 +80,7 @@ constexpr ui::HelpTopic kHelpTopics[] = {
     {IDC_EQ_WIDTH_LABEL, kBandwidthTopic},
     {IDC_EQ_WIDTH, kBandwidthTopic},
     {IDC_EQ_WIDTH_EDIT, kBandwidthTopic},
+    {kRolloffHelpId, kRolloffTopic},
 };
 
 constexpr UINT_PTR kTimers[] = {0};
@@ -118,7 +120,8 @@ std::wstring GainText(const EqBand& band) {
 }
 
 std::wstring WidthText(const EqBand& band) {
-  return band.IsBand() ? ui::TenthsText(band.bandwidth) : ui::IntegerText(band.rolloff * kDecibelsPerRolloff);
+  if (band.IsBand()) return ui::TenthsText(band.bandwidth);
+  return ui::IntegerText(SaturatingTruncate<INT32>(band.rolloff * kDecibelsPerRolloff));
 }
 
 // A slider, the field beside it and what they show of a band.
@@ -200,8 +203,11 @@ void EqPage::RefreshControls(int id, Refresh refresh) {
   const int selected = SelectedBand(*filter);
   const EqBand band = ReadBand(*filter, selected);
   if (concerns(IDC_EQ_MODE)) RefreshMode(band, moves(IDC_EQ_MODE));
-  for (const Display& display : DisplaysOf(band)) {
+  const Displays displays = DisplaysOf(band);
+  for (std::size_t i = 0; i < displays.size(); ++i) {
+    const Display& display = displays[i];
     if (!concerns(display.slider_id) && !concerns(display.field_id)) continue;
+    shown_[i] = display.text;
     ShowText(display.slider_id, display.text + display.unit);
     ShowText(display.field_id, display.text);
     if (moves(display.slider_id)) Send(display.slider_id, ui::kSliderSetPosition, TRUE, display.PositionOf(band));
@@ -223,7 +229,7 @@ void EqPage::RefreshMode(const EqBand& band, bool moves_list) {
     ShowText(IDC_EQ_WIDTH_LABEL, label);
     SetRange(IDC_EQ_WIDTH, band.IsBand() ? kBandwidthRange : kRolloffRange);
   }
-  if (moves_list) Send(IDC_EQ_MODE, CB_SETCURSEL, band.mode - 1);
+  if (moves_list) Send(IDC_EQ_MODE, CB_SETCURSEL, std::clamp(band.mode, 1, kModes) - 1);
 }
 
 void EqPage::RefreshEnable(IEqSettings& filter, int selected, const EqBand& band, bool moves_mark) {
@@ -265,7 +271,6 @@ void EqPage::OnCommand(int id, int code) {
     default:
       if (code == EN_KILLFOCUS) OnField(*filter, id);
   }
-  if (!IsLive()) EndEdits(*filter);
 }
 
 void EqPage::OnGraph(IEqSettings& filter, int code) {
@@ -304,7 +309,7 @@ void EqPage::WriteGraph(IEqSettings& filter) {
     for (const BandRow row :
          {BandRow::kFrequency, BandRow::kGain, BandRow::kEnable, BandRow::kMode, WidthRow(now[i])}) {
       const auto field = kBandFields[row].field;
-      if (now[i].*field != before[i].*field && IsLive()) (filter.*kSlots[row][i].set)(now[i].*field);
+      if (now[i].*field != before[i].*field) Set(filter, row, static_cast<int>(i), now[i].*field);
     }
   }
 }
@@ -314,7 +319,7 @@ void EqPage::OnMode(IEqSettings& filter, int code) {
   switch (code) {
     case CBN_SELCHANGE: {
       const auto mode = static_cast<INT32>(Send(IDC_EQ_MODE, CB_GETCURSEL) + 1);
-      if (mode > 0) (filter.*kSlots[BandRow::kMode][band].set)(mode);
+      if (mode > 0) Set(filter, BandRow::kMode, band, mode);
       ShowValues(kAllControls, Refresh::kOthers);
       break;
     }
@@ -346,11 +351,12 @@ void EqPage::OnEnabled(IEqSettings& filter, int code) {
 // A field that the user has left as it was says nothing new: what it shows may be rounded.
 void EqPage::OnField(IEqSettings& filter, int id) {
   const int selected = SelectedBand(filter);
-  for (const Display& display : DisplaysOf(ReadBand(filter, selected))) {
-    if (id != display.field_id) continue;
+  const Displays displays = DisplaysOf(ReadBand(filter, selected));
+  for (std::size_t i = 0; i < displays.size(); ++i) {
+    if (id != displays[i].field_id) continue;
     const HWND edit = ControlOf(id);
-    if (ui::WindowText(edit) == display.text) return;
-    (filter.*display.SlotsOf(selected).set)(ReadField(edit, display.row));
+    if (ui::WindowText(edit) == shown_[i]) return;
+    Set(filter, displays[i].row, selected, ReadField(edit, displays[i].row));
     ShowValues(kAllControls, Refresh::kOthers);
     return;
   }
@@ -364,12 +370,11 @@ void EqPage::OnScroll(UINT message, ScrollCode code, HWND slider) {
     if (id != display.slider_id) continue;
     const INT32 position = ui::ScrollTrackbar(message, code, slider, kLineStep, kPageSteps[display.row]);
     if (code != ScrollCode::kEnd) BeginEdit(*filter, display.row, selected);
-    (*filter.*display.SlotsOf(selected).set)(position);
+    Set(*filter, display.row, selected, position);
     if (code == ScrollCode::kEnd) EndEdit(*filter, display.row);
-    if (IsLive()) RefreshGraph(*filter);
+    if (IsShowing(*filter)) RefreshGraph(*filter);
     ShowValues(id, Refresh::kOthers);
   }
-  if (!IsLive()) EndEdits(*filter);
 }
 
 void EqPage::OnTimer() {
@@ -403,9 +408,20 @@ void EqPage::FollowAutomation(IEqSettings& filter) {
   was_automated_ = any;
 }
 
+void EqPage::OnLeave() {
+  const auto filter = Held();
+  Send(IDC_EQ_MODE, CB_SHOWDROPDOWN, FALSE);  // nothing else closes it when it has no focus to lose
+  is_mode_list_open_ = false;
+  EndEdits(*filter);
+}
+
+void EqPage::Set(IEqSettings& filter, BandRow row, int band, INT32 value) {
+  if (IsShowing(filter)) (filter.*kSlots[row][band].set)(value);
+}
+
 void EqPage::BeginEdit(IEqSettings& filter, BandRow row, int band) {
   if (edited_band_[row] != band) EndEdit(filter, row);
-  if (!IsLive()) return;
+  if (!IsShowing(filter)) return;
   edited_band_[row] = band;  // first: whoever is told of the edit may close the page, which ends it
   (filter.*kSlots[row][band].begin_edit)();
 }

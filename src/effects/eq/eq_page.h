@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <string>
 
 #include "effects/eq/eq_interface.h"
 #include "effects/eq/eq_page_graph.h"
@@ -31,6 +32,7 @@ class EqPage final : public ui::AutomatedPageFor<IEqSettings> {
   void OnCommand(int id, int code) override;
   void OnScroll(UINT message, ui::ScrollCode code, HWND slider) override;
   void OnTimer() override;
+  void OnLeave() override;
   int TopicInstead(int topic) override;
 
   void SetUpScaleLabels() const;
@@ -51,6 +53,9 @@ class EqPage final : public ui::AutomatedPageFor<IEqSettings> {
   void OnField(IEqSettings& filter, int id);
   void FollowAutomation(IEqSettings& filter);
 
+  // Nothing, when a listener of the edit has closed the page meanwhile, or reconnected it.
+  void Set(IEqSettings& filter, eq::BandRow row, int band, INT32 value);
+
   // An edit that the page has begun, of the band that was chosen then: it ends for that band, whichever is chosen
   // meanwhile.
   void BeginEdit(IEqSettings& filter, eq::BandRow row, int band);
@@ -61,6 +66,7 @@ class EqPage final : public ui::AutomatedPageFor<IEqSettings> {
 
   EqPageGraph graph_;
   EqPageTabs tabs_;
+  std::array<std::wstring, 3> shown_;                // in the fields, as the page has written them
   std::array<int, eq::kParamsPerBand> edited_band_;  // a row each: of the edit that is open, or kNoBand
   bool is_mode_list_open_ = false;
   bool was_automated_ = false;  // any parameter, at the last tick of the timer

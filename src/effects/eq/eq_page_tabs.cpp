@@ -53,9 +53,6 @@ void EqPageTabs::Show(const EqBands& bands) const {
   if (!glyph_font_) return;
   for (int band = 0; band < static_cast<int>(kEqBands); ++band) {
     const TabText text = GlyphText(band, bands[band].enable != 0);
-    char shown[ui::kTabTextBytes] = "";
-    SendMessageW(window_, ui::kTabGetText, band, reinterpret_cast<LPARAM>(shown));
-    if (std::strcmp(shown, text.characters) == 0) continue;  // each new text repaints the strip
     SendMessageW(window_, ui::kTabSetText, band, reinterpret_cast<LPARAM>(text.characters));
   }
 }

@@ -148,6 +148,7 @@ void EffectPage::LeaveControls() {
   if (captured && IsChild(Dialog(), captured)) ReleaseCapture();
   const HWND focused = GetFocus();
   if (focused && IsChild(Dialog(), focused)) SetFocus(GetParent(Dialog()));
+  if (IsLive()) OnLeave();
 }
 
 void EffectPage::Destroyed() {

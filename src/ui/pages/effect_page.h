@@ -79,6 +79,8 @@ class EffectPage : public directshow::PropertyPage {
   virtual void OnCommand(int /*id*/, int /*code*/) {}
   virtual void OnScroll(UINT /*message*/, ScrollCode /*code*/, HWND /*slider*/) {}
   virtual void OnTimer() {}
+  // The page goes, is hidden or loses its filter: whatever has begun with this filter ends now.
+  virtual void OnLeave() {}
   // The topic to show in place of the one that the table has for a control. Also called when the page is not live.
   virtual int TopicInstead(int topic) { return topic; }
 
