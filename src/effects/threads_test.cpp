@@ -126,19 +126,19 @@ TYPED_TEST(EffectThreads, HostPageAndStreamWorkTogether) {
   const auto recorder = params ? std::make_shared<CountingRecorder>(*params) : nullptr;
   if (params) params->SetRecorder(recorder);
 
-  std::vector<std::thread> threads;
-  threads.emplace_back([&] { StreamAudio(processor); });
-  threads.emplace_back([&] {
-    for (int i = 0; i < 5000; ++i) {
-      effect.settings_control().SetNotifyWindow(Window(1), i % 2);
-      EditOnPage(effect.settings_control(), i);
-      StreamFormat format;
-      effect.settings_control().GetFormat(&format);
-    }
-  });
-  threads.emplace_back([&] { AutomateAsHost(effect); });
-  threads.emplace_back([&] { SaveAndLoadAsHost(effect); });
-  for (std::thread& thread : threads) thread.join();
+  {
+    const std::jthread stream([&] { StreamAudio(processor); });
+    const std::jthread page([&] {
+      for (int i = 0; i < 5000; ++i) {
+        effect.settings_control().SetNotifyWindow(Window(1), i % 2);
+        EditOnPage(effect.settings_control(), i);
+        StreamFormat format;
+        effect.settings_control().GetFormat(&format);
+      }
+    });
+    const std::jthread automating_host([&] { AutomateAsHost(effect); });
+    const std::jthread saving_host([&] { SaveAndLoadAsHost(effect); });
+  }
 
   for (std::uint32_t row = 0; params && row < params->table().size(); ++row) {
     EXPECT_TRUE(params->BeginEdit(row)) << "an edit of row " << row << " stayed open";

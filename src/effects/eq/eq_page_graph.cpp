@@ -67,8 +67,6 @@ void EqPageGraph::Show(const EqBands& bands) {
   for (std::size_t i = 0; i < bands.size(); ++i) {
     ShowBand(bands[i], axis_, curve_.nodes[i]);
     response_.Add(bands[i]);
-    // A drag that is taken back leaves alone what has become of the other bands.
-    if (curve_.backup && i != curve_.selected_node) curve_.backup[i] = curve_.nodes[i];
   }
   shown_ = Edited();
   InvalidateRect(window_, nullptr, FALSE);

@@ -221,8 +221,8 @@ void EqGraph::EndDrag(DragEnd end) {
   if (GetCapture() == window()) ReleaseCapture();
   if (end == DragEnd::kCurveGone) return;
   if (end == DragEnd::kCancelled) {
-    std::ranges::copy(ended.backup, ended.curve->nodes);
-    MarkSelected(*ended.curve, ended.curve->selected_node);  // the owner may have chosen another one meanwhile
+    ended.curve->nodes[ended.node] = ended.backup[ended.node];  // the others are as the owner has left them
+    MarkSelected(*ended.curve, ended.curve->selected_node);     // and so is the selection
     is_over_node_ = false;
     Invalidate();
   }

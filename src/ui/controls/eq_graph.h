@@ -44,7 +44,7 @@ class EqGraph final : public ControlWindow {
   };
   enum class DragEnd {
     kReleased,
-    kCancelled,  // the nodes go back
+    kCancelled,  // the node goes back
     kCurveGone,  // the nodes stay, nobody is told
   };
 
