@@ -75,8 +75,8 @@ TEST_F(TabStripTest, KeepsWhatItCanHoldAndRefusesTheRest) {
     DWORD size_bytes, count;
     bool is_right;
   };
-  for (const Row& row : {Row{171, 4, false}, Row{0, 0, false}, Row{372, 10, false}, Row{372, ~0U, false},
-                         Row{52, 1, true}, Row{372, 9, true}, Row{172, 4, true}}) {
+  for (const Row& row : {Row{171, 4, false}, Row{0, 5, false}, Row{0, 4, true}, Row{372, 10, false},
+                         Row{372, ~0U, false}, Row{52, 1, true}, Row{372, 9, true}, Row{172, 4, true}}) {
     SetItems(Record(3));
     const Items items = Record(row.count, row.size_bytes);
     EXPECT_EQ(SetItems(items), row.is_right) << row.size_bytes << " with " << row.count;

@@ -18,7 +18,9 @@ namespace {
 std::string TextFrom(const char* text) { return {text, strnlen(text, kTabTextBytes - 1)}; }
 
 bool HasRoom(const TabItems* record, std::size_t count) {
-  return record && count <= kMaxTabs && record->size_bytes >= offsetof(TabItems, items) + count * sizeof(TabItem);
+  if (!record || count > kMaxTabs) return false;
+  const std::size_t size_bytes = record->size_bytes != 0 ? record->size_bytes : sizeof *record;
+  return size_bytes >= offsetof(TabItems, items) + count * sizeof(TabItem);
 }
 
 // kNoTab: the key leads to none.

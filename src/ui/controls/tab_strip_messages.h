@@ -33,7 +33,7 @@ inline constexpr UINT kBandTabs = 4;
 
 // With room for the EQ's bands; a record may be longer or shorter.
 struct TabItems {
-  DWORD size_bytes;  // of the record: 172 with four items
+  DWORD size_bytes;  // of the record: 172 with four items, which 0 stands for, too
   DWORD count;
   DWORD reserved;
   TabItem items[kBandTabs];
