@@ -16,6 +16,7 @@ class Owner : public CompressorEngineOwner {
     return false;
   }
   void PublishMeters(const CompressorMeters& meters) override { benchmark::DoNotOptimize(meters); }
+  void EndMeters() override {}
   bool IsWatched() const override { return watched_; }
 
  private:
