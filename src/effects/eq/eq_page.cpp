@@ -124,12 +124,14 @@ std::wstring WidthText(const EqBand& band) {
   return ui::IntegerText(SaturatingTruncate<INT32>(band.rolloff * kDecibelsPerRolloff));
 }
 
+std::wstring FrequencyText(const EqBand& band) { return ui::IntegerText(band.frequency); }
+
 // A slider, the field beside it and what they show of a band.
 struct Display {
   int slider_id;
   int field_id;
   BandRow row;
-  std::wstring text;
+  std::wstring (*text)(const EqBand& band);
   const wchar_t* unit;  // what the text leaves out, for screen readers
 
   INT32 PositionOf(const EqBand& band) const { return band.*kBandFields[row].field; }
@@ -139,9 +141,9 @@ using Displays = std::array<Display, 3>;
 
 // In the order in which they are refreshed.
 Displays DisplaysOf(const EqBand& band) {
-  return {{{IDC_EQ_GAIN, IDC_EQ_GAIN_EDIT, BandRow::kGain, GainText(band), ui::kDecibelUnit},
-           {IDC_EQ_WIDTH, IDC_EQ_WIDTH_EDIT, WidthRow(band), WidthText(band), band.IsBand() ? L" oct" : L" dB/oct"},
-           {IDC_EQ_FREQUENCY, IDC_EQ_FREQUENCY_EDIT, BandRow::kFrequency, ui::IntegerText(band.frequency), L" Hz"}}};
+  return {{{IDC_EQ_GAIN, IDC_EQ_GAIN_EDIT, BandRow::kGain, GainText, ui::kDecibelUnit},
+           {IDC_EQ_WIDTH, IDC_EQ_WIDTH_EDIT, WidthRow(band), WidthText, band.IsBand() ? L" oct" : L" dB/oct"},
+           {IDC_EQ_FREQUENCY, IDC_EQ_FREQUENCY_EDIT, BandRow::kFrequency, FrequencyText, L" Hz"}}};
 }
 
 // A typed number as a value of this row.
@@ -207,9 +209,9 @@ void EqPage::RefreshControls(int id, Refresh refresh) {
   for (std::size_t i = 0; i < displays.size(); ++i) {
     const Display& display = displays[i];
     if (!concerns(display.slider_id) && !concerns(display.field_id)) continue;
-    shown_[i] = display.text;
-    ShowText(display.slider_id, display.text + display.unit);
-    ShowText(display.field_id, display.text);
+    shown_[i] = display.text(band);
+    ShowText(display.slider_id, shown_[i] + display.unit);
+    ShowText(display.field_id, shown_[i]);
     if (moves(display.slider_id)) Send(display.slider_id, ui::kSliderSetPosition, TRUE, display.PositionOf(band));
   }
   if (concerns(IDC_EQ_ENABLED)) RefreshEnable(*filter, selected, band, moves(IDC_EQ_ENABLED));
