@@ -5,7 +5,6 @@
 #include "module/page_rig.h"
 #include "resources/ids.h"
 #include "ui/controls/meter_messages.h"
-#include "ui/controls/slider_messages.h"
 
 namespace tervan::test {
 namespace {
@@ -13,25 +12,15 @@ namespace {
 using testing::ElementsAre;
 using CompressorPageTest = ModuleTest;
 
-// A slider, the control that shows its value, and the parameter that it moves.
-struct CompressorRow {
-  int slider, text;
-  DWORD param;
-  int scale;
-};
-constexpr CompressorRow kInputGain{2004, 2005, 0, 1}, kOutputGain{2025, 2024, 1, 1}, kThreshold{2008, 2006, 2, 10},
+constexpr SliderRow kInputGain{2004, 2005, 0, 1}, kOutputGain{2025, 2024, 1, 1}, kThreshold{2008, 2006, 2, 10},
     kAmount{2009, 2007, 3, 10}, kAttack{2010, 2011, 4, 1}, kRelease{2012, 2013, 5, 1};
-constexpr CompressorRow kRows[] = {kInputGain, kOutputGain, kThreshold, kAmount, kAttack, kRelease};
+constexpr SliderRow kRows[] = {kInputGain, kOutputGain, kThreshold, kAmount, kAttack, kRelease};
 constexpr int kSwitches[] = {2026, 2028};  // parameters 6 and 7
 constexpr int kMeters[] = {2014, 2023, 2015};
 const Settings kStart = {-12, 3, -20, 2.5, 100, 1000, 1, 0, 0, 0};
 
-struct CompressorRig {
-  CompressorRig() {
-    Query<IParamRecorderSite>(filter.control.Get())->SetRecorder(&recorder);
-    page.OpenFor(filter);
-    Restart();
-  }
+struct CompressorRig : RecordedPage {
+  CompressorRig() : RecordedPage(kCompressor) { Restart(); }
   void Restart() {
     filter.Set(kStart);
     page.Command(ID_FILTER_CHANGED, 32701);
@@ -39,41 +28,24 @@ struct CompressorRig {
     recorder.Take();
   }
   const ParamRow& Param(DWORD param) const { return filter.effect.params[param]; }
-  double Value(const CompressorRow& row) const { return filter.GetAt(Param(row.param)); }
-  LRESULT Position(const CompressorRow& row) const { return page.SendTo(row.slider, ui::kSliderGetPosition); }
-
-  HostRecorder recorder;
-  const Filter filter{kCompressor};
-  Page page{kCompressor};
 };
 
 TEST_F(CompressorPageTest, KeysMoveTheValueInOneEditEach) {
-  const struct {
-    const CompressorRow& row;
-    WORD key;  // comes twice
-    const char* heard;
-    const wchar_t* text;
-  } rows[] = {
-      {kInputGain, VK_UP, " B0 V0=-11 V0=-10", L"-10 dB"},
-      {kInputGain, VK_END, " B0 V0=-60", L"-Inf."},
-      {kOutputGain, VK_PRIOR, " B1 V1=4 V1=5", L"5 dB"},
-      {kThreshold, VK_LEFT, " B2 V2=-20.1 V2=-20.2", L"-20.2"},
-      {kThreshold, VK_NEXT, " B2 V2=-19 V2=-18", L"-18.0"},
-      {kAmount, VK_RIGHT, " B3 V3=2.6 V3=2.7", L"2.7"},
-      {kAmount, VK_END, " B3 V3=50", L"Inf."},
-      {kAttack, VK_RIGHT, " B4 V4=101 V4=102", L"102"},
-      {kRelease, VK_NEXT, " B5 V5=1010 V5=1020", L"1020"},
-  };
   CompressorRig rig;
-  for (const auto& [row, key, heard, text] : rows) {
-    SCOPED_TRACE(heard);
-    rig.Restart();
-    for (int times = 0; times < 2; ++times) rig.page.SendTo(row.slider, WM_KEYDOWN, key);
-    EXPECT_EQ(rig.recorder.Take(), heard);
-    EXPECT_EQ(rig.page.TextOf(row.text), text);
-    rig.page.SendTo(row.slider, WM_KEYUP, key);
-    EXPECT_EQ(rig.recorder.Take(), " E" + std::to_string(row.param));
-  }
+  const auto restart = [&] { rig.Restart(); };
+  rig.ExpectOneEditAKey(
+      {
+          {kInputGain, VK_UP, " B0 V0=-11 V0=-10", L"-10 dB"},
+          {kInputGain, VK_END, " B0 V0=-60", L"-Inf."},
+          {kOutputGain, VK_PRIOR, " B1 V1=4 V1=5", L"5 dB"},
+          {kThreshold, VK_LEFT, " B2 V2=-20.1 V2=-20.2", L"-20.2"},
+          {kThreshold, VK_NEXT, " B2 V2=-19 V2=-18", L"-18.0"},
+          {kAmount, VK_RIGHT, " B3 V3=2.6 V3=2.7", L"2.7"},
+          {kAmount, VK_END, " B3 V3=50", L"Inf."},
+          {kAttack, VK_RIGHT, " B4 V4=101 V4=102", L"102"},
+          {kRelease, VK_NEXT, " B5 V5=1010 V5=1020", L"1020"},
+      },
+      restart);
   rig.page.Send(WM_VSCROLL, SB_LINELEFT, reinterpret_cast<LPARAM>(rig.page.Control(kThreshold.slider)));
   EXPECT_EQ(rig.recorder.Take(), "") << "no slider of the page stands upright";
 }
@@ -84,12 +56,12 @@ TEST_F(CompressorPageTest, SlidersSpanTheirParametersAndADoubleClickBringsTheDef
   for (const double beyond : {1e30, -1e30}) {
     rig.filter.Set(Settings{beyond, beyond, beyond, beyond, beyond, beyond, 0, 0, 0, 0});
     rig.page.Command(ID_FILTER_CHANGED, 32701);
-    for (const CompressorRow& row : kRows) {
+    for (const SliderRow& row : kRows) {
       const ParamRow& param = rig.Param(row.param);
       EXPECT_EQ(rig.Position(row), (beyond < 0 ? param.min : param.max) * row.scale);
     }
   }
-  for (const CompressorRow& row : kRows) {
+  for (const SliderRow& row : kRows) {
     for (const UINT message : {WM_LBUTTONDBLCLK, WM_LBUTTONUP}) {
       rig.page.SendTo(row.slider, message, 0, MAKELPARAM(10, 10));  // the thumb's place at the left end
     }
@@ -99,7 +71,7 @@ TEST_F(CompressorPageTest, SlidersSpanTheirParametersAndADoubleClickBringsTheDef
 
 TEST_F(CompressorPageTest, TypedNumbersCountWhenTheFocusLeaves) {
   const struct {
-    const CompressorRow& row;
+    const SliderRow& row;
     const wchar_t* typed;
     double value;
     const wchar_t* text;

@@ -15,14 +15,10 @@ using EqPageTest = ModuleTest;
 
 // A band's parameters, in the order of their rows; band n has rows from 6 n on.
 enum Row { kFrequency, kGain, kBandwidth, kRolloff, kMode, kEnable };
-constexpr int kBypassRow = 24;
+constexpr DWORD kBypass = 24;
 
-struct EqRig {
-  EqRig() {
-    Query<IParamRecorderSite>(filter.control.Get())->SetRecorder(&recorder);
-    page.OpenFor(filter);
-    recorder.Take();
-  }
+struct EqRig : RecordedPage {
+  EqRig() : RecordedPage(kEq) { recorder.Take(); }
   double Value(int band, Row row) const {
     const ParamRow& param = filter.effect.params[6 * band + row];
     return filter.GetAt(param) / param.scale;
@@ -71,10 +67,6 @@ struct EqRig {
     page.SendTo(IDC_EQ_GRAPH, message, keys, MAKELPARAM(at.x, at.y));
   }
   void Grab(int band) const { Mouse(WM_LBUTTONDOWN, Handle(band)); }
-
-  HostRecorder recorder;
-  const Filter filter{kEq};
-  Page page{kEq};
 };
 
 TEST_F(EqPageTest, TypedNumbersCountWhenTheFocusLeaves) {
@@ -355,6 +347,23 @@ TEST_F(EqPageTest, FollowsAutomationAndTheHost) {
   rig.filter.presets->ApplyPreset(2);
   rig.page.Shown();
   EXPECT_EQ(rig.Selected(), 0) << "new settings begin at the first band";
+}
+
+TEST_F(EqPageTest, TheToggleBypassesUnlessAutomationDoes) {
+  EqRig rig;
+  for (const char* heard : {" B24 V24=1 E24", " B24 V24=0 E24"}) {
+    rig.page.Command(ID_EQ_BYPASS);
+    EXPECT_EQ(rig.recorder.Take(), heard);
+  }
+  MP_ENVELOPE_SEGMENT segment{0, 1000000, 1, 1, MP_CURVE_JUMP, 0};
+  float silence[480] = {};
+  ASSERT_EQ(rig.filter.values->AddEnvelope(kBypass, 1, &segment), S_OK);
+  ASSERT_EQ(rig.filter.direct->BeginStream(1, 48000), S_OK);
+  ASSERT_EQ(rig.filter.direct->ProcessBuffer(silence, 480, 0), S_OK);
+  rig.page.Command(ID_EQ_BYPASS);
+  EXPECT_EQ(rig.filter.Get().back(), 1);
+  EXPECT_EQ(rig.recorder.Take(), "");
+  EXPECT_EQ(rig.filter.direct->EndStream(), S_OK);
 }
 
 // From the graph's own pixels: white ground, a black centre line, shades of blue from there to the response.

@@ -3,77 +3,48 @@
 
 #include "module/page_rig.h"
 #include "resources/ids.h"
-#include "ui/controls/slider_messages.h"
 
 namespace tervan::test {
 namespace {
 
 using GatePageTest = ModuleTest;
 
-// A slider, the control that shows its value, and the parameter that it moves.
-struct GateRow {
-  int slider, text;
-  DWORD param;
-};
-constexpr GateRow kThreshold{7008, 7005, 0}, kAttack{7002, 7010, 1}, kRelease{7003, 7009, 2};
+constexpr SliderRow kThreshold{7008, 7005, 0}, kAttack{7002, 7010, 1}, kRelease{7003, 7009, 2};
 constexpr LONG kStart = 3;  // a preset: -38 dB, 10 ms, 1000 ms
 
-struct GateRig {
-  GateRig() {
-    Query<IParamRecorderSite>(filter.control.Get())->SetRecorder(&recorder);
-    page.OpenFor(filter);
-    Restart();
-  }
+struct GateRig : RecordedPage {
+  GateRig() : RecordedPage(kGate) { Restart(); }
   void Restart() {
     filter.presets->ApplyPreset(kStart);
     page.Shown();
     recorder.Take();
   }
-  double Value(const GateRow& row) const { return filter.GetAt(filter.effect.params[row.param]); }
-  LRESULT Position(const GateRow& row) const { return page.SendTo(row.slider, ui::kSliderGetPosition); }
-  void Type(const GateRow& row, const std::wstring& text) const {
+  void Type(const SliderRow& row, const std::wstring& text) const {
     SetFocus(page.Control(row.text));
     SetWindowTextW(page.Control(row.text), text.c_str());
   }
-
-  HostRecorder recorder;
-  const Filter filter{kGate};
-  Page page{kGate};
 };
 
-// A held key repeats; the host hears of one edit, which ends with the key.
 TEST_F(GatePageTest, KeysMoveTheValueInOneEditEach) {
-  const struct {
-    const GateRow& row;
-    WORD key;
-    const char* heard;
-    const wchar_t* text;
-  } rows[] = {
-      {kThreshold, VK_UP, " B0 V0=-37.9 V0=-37.8", L"-37.8 dB"},
-      {kThreshold, VK_DOWN, " B0 V0=-38.1 V0=-38.2", L"-38.2 dB"},
-      {kThreshold, VK_PRIOR, " B0 V0=-37 V0=-36", L"-36.0 dB"},
-      {kThreshold, VK_HOME, " B0 V0=0", L"0.0 dB"},
-      {kThreshold, VK_END, " B0 V0=-80", L"-Inf."},
-      {kAttack, VK_RIGHT, " B1 V1=11 V1=12", L"12"},
-      {kAttack, VK_NEXT, " B1 V1=20 V1=30", L"30"},
-      {kAttack, VK_PRIOR, " B1 V1=0", L"0"},
-      {kAttack, '5', " B1 V1=250", L"250"},
-      {kRelease, VK_LEFT, " B2 V2=999 V2=998", L"998"},
-      {kRelease, VK_NEXT, " B2 V2=1100 V2=1200", L"1,200"},
-      {kRelease, VK_HOME, " B2 V2=1", L"1"},
-      {kRelease, VK_END, " B2 V2=5000", L"5,000"},
-  };
   GateRig rig;
-  for (const auto& [row, key, heard, text] : rows) {
-    SCOPED_TRACE(heard);
-    rig.Restart();
-    for (int times = 0; times < 2; ++times) rig.page.SendTo(row.slider, WM_KEYDOWN, key);
-    EXPECT_EQ(rig.recorder.Take(), heard);
-    EXPECT_EQ(rig.page.TextOf(row.text), text);
-    EXPECT_EQ(rig.Position(row), rig.Value(row));
-    rig.page.SendTo(row.slider, WM_KEYUP, key);
-    EXPECT_EQ(rig.recorder.Take(), " E" + std::to_string(row.param));
-  }
+  const auto restart = [&] { rig.Restart(); };
+  rig.ExpectOneEditAKey(
+      {
+          {kThreshold, VK_UP, " B0 V0=-37.9 V0=-37.8", L"-37.8 dB"},
+          {kThreshold, VK_DOWN, " B0 V0=-38.1 V0=-38.2", L"-38.2 dB"},
+          {kThreshold, VK_PRIOR, " B0 V0=-37 V0=-36", L"-36.0 dB"},
+          {kThreshold, VK_HOME, " B0 V0=0", L"0.0 dB"},
+          {kThreshold, VK_END, " B0 V0=-80", L"-Inf."},
+          {kAttack, VK_RIGHT, " B1 V1=11 V1=12", L"12"},
+          {kAttack, VK_NEXT, " B1 V1=20 V1=30", L"30"},
+          {kAttack, VK_PRIOR, " B1 V1=0", L"0"},
+          {kAttack, '5', " B1 V1=250", L"250"},
+          {kRelease, VK_LEFT, " B2 V2=999 V2=998", L"998"},
+          {kRelease, VK_NEXT, " B2 V2=1100 V2=1200", L"1,200"},
+          {kRelease, VK_HOME, " B2 V2=1", L"1"},
+          {kRelease, VK_END, " B2 V2=5000", L"5,000"},
+      },
+      restart);
 }
 
 // While the user is in the middle of something, the page goes, one way or another, or somebody takes the mouse.
@@ -157,7 +128,7 @@ class GroupSeparator {
 TEST_F(GatePageTest, TypedTimesCountWhenTheFocusLeaves) {
   const std::wstring overlong = std::wstring(40, L'0') + L"7";
   const struct {
-    const GateRow& row;
+    const SliderRow& row;
     std::wstring typed;
     double value;
     const wchar_t* text;
@@ -187,7 +158,7 @@ TEST_F(GatePageTest, TypedTimesCountWhenTheFocusLeaves) {
 }
 
 TEST_F(GatePageTest, FollowsAutomationAndLetsNobodyInterfere) {
-  for (const GateRow& row : {kThreshold, kAttack, kRelease, GateRow{0, 0, 3}}) {
+  for (const SliderRow& row : {kThreshold, kAttack, kRelease, SliderRow{0, 0, 3}}) {
     SCOPED_TRACE(row.param);
     GateRig rig;
     const ParamRow& param = rig.filter.effect.params[row.param];

@@ -1,6 +1,9 @@
 #include "module/page_rig.h"
 
+#include <cmath>
 #include <map>
+
+#include "ui/controls/slider_messages.h"
 
 namespace tervan::test {
 namespace {
@@ -145,6 +148,26 @@ Page::Menu Page::PopUpMenu(LPARAM at, const std::vector<WORD>& keys) const {
     for (const WORD key : keys) PostMessageW(Dialog(), WM_KEYDOWN, key, 0);
   });
   return result;
+}
+
+RecordedPage::RecordedPage(EffectIndex effect) : filter(effect), page(effect) {
+  Query<IParamRecorderSite>(filter.control.Get())->SetRecorder(&recorder);
+  page.OpenFor(filter);
+}
+
+LRESULT RecordedPage::Position(const SliderRow& row) const { return page.SendTo(row.slider, ui::kSliderGetPosition); }
+
+void RecordedPage::ExpectOneEditAKey(std::initializer_list<KeyRow> rows, const std::function<void()>& restart) {
+  for (const auto& [row, key, heard, text] : rows) {
+    SCOPED_TRACE(heard);
+    restart();
+    for (int times = 0; times < 2; ++times) page.SendTo(row.slider, WM_KEYDOWN, key);
+    EXPECT_EQ(recorder.Take(), heard);
+    EXPECT_EQ(page.TextOf(row.text), text);
+    EXPECT_EQ(Position(row), std::lround(Value(row) * row.scale));
+    page.SendTo(row.slider, WM_KEYUP, key);
+    EXPECT_EQ(recorder.Take(), " E" + std::to_string(row.param));
+  }
 }
 
 void HandlePostedMessages() {

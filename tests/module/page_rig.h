@@ -3,6 +3,7 @@
 #include <ocidl.h>
 
 #include <functional>
+#include <initializer_list>
 
 #include "module/effects.h"
 
@@ -65,6 +66,34 @@ struct Page {
   const PageRow& row;
   HWND frame;
   ComPtr<IPropertyPage> page;
+};
+
+// A slider, the control that shows its value, and the parameter that it moves.
+struct SliderRow {
+  int slider, text;
+  DWORD param;
+  int scale = 1;  // positions to a unit of the record
+};
+
+// A key that comes twice, as one that is held; all calls but the last; the text then.
+struct KeyRow {
+  const SliderRow& row;
+  WORD key;
+  const char* heard;
+  const wchar_t* text;
+};
+
+// An open page, and a host that listens to what is done on it.
+struct RecordedPage {
+  explicit RecordedPage(EffectIndex effect);
+  double Value(const SliderRow& row) const { return filter.GetAt(filter.effect.params[row.param]); }
+  LRESULT Position(const SliderRow& row) const;
+  // The host hears of one edit, which ends with the key.
+  void ExpectOneEditAKey(std::initializer_list<KeyRow> rows, const std::function<void()>& restart);
+
+  HostRecorder recorder;
+  const Filter filter;
+  Page page;
 };
 
 }  // namespace tervan::test
