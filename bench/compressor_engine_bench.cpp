@@ -11,6 +11,7 @@ class Owner : public CompressorEngineOwner {
  public:
   Owner(const CompressorSettings& settings, bool watched) : settings_(settings), watched_(watched) {}
 
+  bool HasChange() const override { return false; }
   bool SnapshotSettings(CompressorSettings* settings) override {
     *settings = settings_;
     return false;

@@ -28,6 +28,7 @@ template <typename Settings>
 class FixedSettings : public SettingsSource<Settings> {
  public:
   explicit FixedSettings(const Settings& settings) : settings_(settings) {}
+  bool HasChange() const override { return false; }
   bool SnapshotSettings(Settings* settings) override {
     *settings = settings_;
     return false;

@@ -1,7 +1,6 @@
 #include "shell/automated_control.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace tervan {
 
@@ -40,7 +39,7 @@ void AutomatedControl::ImportRecord(const void* record) {
 bool AutomatedControl::FetchRecord(void* record) {
   const LockGuard guard(lock_);
   params_.ExportSettings(record);
-  return std::exchange(changed_, false);
+  return changed_.exchange(false, std::memory_order_relaxed);
 }
 
 }  // namespace tervan

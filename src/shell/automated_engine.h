@@ -11,11 +11,13 @@
 
 namespace tervan {
 
-// Where an engine gets its settings. The call takes a lock for the copy. [stream]
+// Where an engine gets its settings. [stream]
 template <typename Settings>
 class SettingsSource {
  public:
-  // Copies the current settings; true when a change was waiting, which is thereby taken note of.
+  virtual bool HasChange() const = 0;  // is waiting; takes no lock
+
+  // Copies the current settings, under a lock; true when a change was waiting, which is thereby taken note of.
   virtual bool SnapshotSettings(Settings* settings) = 0;
 
  protected:
@@ -99,9 +101,10 @@ class AutomatedEngine {
 
   // When they changed or none are loaded.
   void LoadSnapshot(ProcessMode mode) {
+    if (loaded_ && !source_.HasChange()) return;
     Settings settings{};
-    const bool changed = source_.SnapshotSettings(&settings);
-    if (changed || !loaded_) LoadParameters(settings, mode);
+    source_.SnapshotSettings(&settings);
+    LoadParameters(settings, mode);
   }
 
   template <typename Codec>

@@ -39,12 +39,8 @@ void ControlState::MarkChanged() {
 
 void ControlState::MarkChangedAndDirty() {
   const LockGuard guard(lock_);
-  changed_ = dirty_ = true;
-}
-
-bool ControlState::IsChanged() const {
-  const LockGuard guard(lock_);
-  return changed_;
+  changed_ = true;
+  dirty_ = true;
 }
 
 bool ControlState::IsDirty() const {

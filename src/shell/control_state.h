@@ -2,6 +2,7 @@
 // one lock.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
 
@@ -29,7 +30,8 @@ class ControlState {
 
   void MarkChanged();          // the engine must fetch the settings
   void MarkChangedAndDirty();  // and the host should save them
-  bool IsChanged() const;      // without clearing
+  // Without clearing. Without a lock: the stream asks before every chunk.
+  bool IsChanged() const { return changed_.load(std::memory_order_relaxed); }
   bool IsDirty() const;
   bool TakeDirty();  // clears it and says what it was
   void MarkDirty();
@@ -38,7 +40,7 @@ class ControlState {
   ~ControlState() = default;
 
   mutable Lock lock_;  // guards all below and what the derived class names. Taken before the parameter store's.
-  bool changed_ = true;
+  std::atomic<bool> changed_ = true;  // written under the lock
   bool dirty_ = false;
 
  private:

@@ -26,6 +26,7 @@ class RecordControl : public AutomatedControl, public Source {
     return S_OK;
   }
 
+  bool HasChange() const override { return this->IsChanged(); }
   bool SnapshotSettings(Settings* settings) override { return FetchRecord(settings); }
 
  protected:

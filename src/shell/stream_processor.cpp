@@ -90,8 +90,8 @@ HRESULT StreamProcessor::TransformChunks(SampleView& sample, ProcessMode mode) {
     std::uint32_t frames = NextChunk(total - done);
     if (frames == 0 || mode == ProcessMode::kDrain) break;
     if (effect_.IsActive()) {
-      const bool changed = effect_.FetchSettings();
-      if (changed || effect_.NeedsSettings() || unpushed_changes_ != 0) {
+      if (effect_.control().IsChanged() || effect_.NeedsSettings() || unpushed_changes_ != 0) {
+        effect_.FetchSettings();
         const HRESULT pushed = Push(mode);
         if (FAILED(pushed)) {
           result = pushed;

@@ -25,6 +25,7 @@ using Floats = ::testing::Types<float, double>;
 // The owner of an engine. A change is waiting while `changed` is set.
 template <typename Settings, typename Source = SettingsSource<Settings>>
 struct FakeSource : Source {
+  bool HasChange() const override { return changed; }
   bool SnapshotSettings(Settings* out) override {
     *out = settings;
     return std::exchange(changed, false);

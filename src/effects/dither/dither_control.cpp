@@ -23,7 +23,8 @@ HRESULT DitherControl::SetSettings(const DitherSettings* settings) {
   for (const dither::Field& field : dither::kFields) {
     settings_.*field.member = Clamped(field, settings->*field.member);
   }
-  changed_ = dirty_ = true;
+  changed_ = true;
+  dirty_ = true;
   return S_OK;
 }
 
@@ -37,14 +38,17 @@ HRESULT DitherControl::Get(const dither::Field& field, std::int32_t* value) cons
 HRESULT DitherControl::Set(const dither::Field& field, std::int32_t value) {
   const LockGuard guard(lock_);
   const std::int32_t clamped = Clamped(field, value);
-  if (std::exchange(settings_.*field.member, clamped) != clamped) changed_ = dirty_ = true;
+  if (std::exchange(settings_.*field.member, clamped) != clamped) {
+    changed_ = true;
+    dirty_ = true;
+  }
   return S_OK;
 }
 
 bool DitherControl::SnapshotSettings(DitherSettings* settings) {
   const LockGuard guard(lock_);
   *settings = settings_;
-  return std::exchange(changed_, false);
+  return changed_.exchange(false, std::memory_order_relaxed);
 }
 
 }  // namespace tervan

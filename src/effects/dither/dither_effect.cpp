@@ -72,9 +72,9 @@ void DitherEffect::ProcessFrames(typename Codec::Sample* samples, std::uint32_t 
 
 HRESULT DitherEffect::Process(SampleFormat format, ProcessMode mode, void* data, std::uint32_t* frames, bool stop) {
   if (stop) return S_FALSE;
-  const bool changed = FetchSettings();
   const bool reset = mode == ProcessMode::kDiscontinuity && has_processed_;
-  if (reset || changed || NeedsSettings()) {
+  if (reset || control_.IsChanged() || NeedsSettings()) {
+    FetchSettings();
     const HRESULT pushed = PushSettings(reset ? ProcessMode::kDiscontinuity : ProcessMode::kContinuous);
     if (FAILED(pushed)) return pushed;
   }
