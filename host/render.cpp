@@ -1,5 +1,6 @@
 #include "host/render.h"
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <vector>
@@ -23,13 +24,17 @@ namespace {
 struct Plan {
   const Options& options;
   std::optional<Module> module;             // only where there are effects
-  std::optional<MeterWindow> meter_window;  // likewise
+  std::optional<MeterWindow> meter_window;  // only for effects with meters, and before a filter graph
   std::vector<Envelope> automation;
 };
 
 std::vector<EffectInstance> MakeChain(const Plan& plan) {
   if (!plan.module) return {};
   return MakeChain(*plan.module, plan.options.effects);
+}
+
+bool HaveMeters(std::span<const EffectInstance> chain) {
+  return std::ranges::any_of(chain, [](const EffectInstance& effect) { return effect.Type().watch_meters != nullptr; });
 }
 
 void CheckOutputs(const Options& options, std::span<const StateFile> states) {
@@ -98,13 +103,11 @@ FileReport TryFile(const Plan& plan, const std::string& path) {
 
 int Render(const Options& options) {
   Plan plan{options, {}, {}, {}};
-  if (!options.effects.empty()) {
-    plan.module.emplace(options.module_path);
-    plan.meter_window.emplace();
-  }
+  if (!options.effects.empty()) plan.module.emplace(options.module_path);
   std::vector<StateFile> states;
   {
     const std::vector<EffectInstance> chain = MakeChain(plan);
+    if (options.path == RenderPath::kGraph || HaveMeters(chain)) plan.meter_window.emplace();
     if (!options.automation_path.empty()) plan.automation = ReadAutomation(options.automation_path, chain);
     // Settings do not change while files are rendered, so they can be stored from a chain that never ran.
     states = StatesToSave(options.effects, chain);

@@ -86,7 +86,7 @@ void RenderOutput::Write(const void* data, size_t frames) {
 }
 
 size_t BufferFrames(const AudioFormat& format, bool is_automated) {
-  constexpr size_t kPlainFrames = 8192;
+  constexpr size_t kPlainFrames = 32768;
   constexpr std::uint32_t kAutomatedBuffersPerSecond = 50;
   if (!is_automated) return kPlainFrames;
   return std::clamp<size_t>(format.rate_hz / kAutomatedBuffersPerSecond, 64, kPlainFrames);

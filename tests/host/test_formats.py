@@ -62,6 +62,10 @@ def test_a_word_length_is_rounded_to_and_limits_at_full_scale(host, bits, path):
     assert (out.tag, out.bits) == (wav.PCM, bits)
     assert out.data == wav.pack(f"pcm{bits}", [*samples, 0, 0])
     assert (report["output_format"]["bits"], report["output_levels"]["peak_dbfs"]) == (bits, 0)
+    finite = [sample for sample in samples if math.isfinite(sample)]
+    rms = math.sqrt(math.fsum(sample * sample for sample in finite) / (len(samples) + 2))
+    expected = {"peak_dbfs": 20 * math.log10(1.5), "rms_dbfs": 20 * math.log10(rms)}
+    assert report["input_levels"] == pytest.approx(expected)
 
 
 GRAPH_HOLDS = [("graph", "pcm8", 8), ("graph", "pcm16", 24), ("graph", "pcm32", 32)]  # more than 32-bit float does
