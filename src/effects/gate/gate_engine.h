@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "effects/gate/gate_kernel.h"
+#include "effects/gate/gate_plain.h"
 #include "effects/gate/gate_settings.h"
 #include "shell/automated_engine.h"
 
@@ -28,7 +28,6 @@ class GateEngine final : public AutomatedEngine<GateEngine, GateSettings> {
   bool EndStream() const { return true; }
 
   gate::Coefficients coefficients_;
-  gate::Lengths lengths_;
   gate::State state_;
 };
 

@@ -1,4 +1,4 @@
-// The gate's frame loop.
+// The gate frame by frame.
 //
 // The level decides through its highest value in the current window of 20 ms, which restarts from 0 at each window
 // boundary. Five states turn it into a gain, which a low-pass smooths:
@@ -14,28 +14,13 @@
 #include <cstdint>
 
 #include "effects/dynamics/frame_level.h"
+#include "effects/gate/gate_coefficients.h"
 #include "shell/sample_codec.h"
 
 namespace tervan::gate {
 
 // First-order bilinear high-pass, 30 Hz at 44100 Hz, used at every rate.
 inline constexpr dynamics::ValleyFilter kValleyFilter{.in = -0.99786741651855, .feedback = 0.99573483303711};
-
-// Constant until the settings change.
-struct Coefficients {
-  double open_threshold = 0.0;  // linear, full scale 1.0
-  double close_threshold = 0.0;
-  double attack_frames = 0.0;  // whole numbers
-  double release_frames = 0.0;
-  bool off = true;  // the gate stays open and does nothing
-  bool bypass = false;
-};
-
-// Constant for a sample rate.
-struct Lengths {
-  std::uint32_t window_frames = 1;
-  std::uint32_t hold_frames = 0;
-};
 
 enum class Phase { kClosed, kAttack, kOpen, kHold, kRelease };
 
@@ -51,8 +36,8 @@ struct State {
 };
 
 // The highest level of the window so far.
-[[gnu::always_inline]] inline double WindowPeak(const Lengths& lengths, double level, State& s) noexcept {
-  if (s.window_position >= lengths.window_frames) s.window_position = 0;
+[[gnu::always_inline]] inline double WindowPeak(const Coefficients& c, double level, State& s) noexcept {
+  if (s.window_position >= c.window_frames) s.window_position = 0;
   if (s.window_position == 0) s.window_peak = 0.0;
   ++s.window_position;
   if (level > s.window_peak) s.window_peak = level;
@@ -66,10 +51,10 @@ inline double AttackGain(const Coefficients& c, double peak, State& s) noexcept 
   return 1.0;
 }
 
-inline double HoldGain(const Coefficients& c, const Lengths& lengths, double peak, State& s) noexcept {
+inline double HoldGain(const Coefficients& c, double peak, State& s) noexcept {
   if (peak >= c.close_threshold) {
     s.held_frames = 0;
-  } else if (++s.held_frames > lengths.hold_frames) {
+  } else if (++s.held_frames > c.hold_frames) {
     s.held_frames = 0;
     s.phase = Phase::kRelease;
   }
@@ -90,8 +75,7 @@ inline double ReleaseGain(const Coefficients& c, double peak, State& s) noexcept
 }
 
 // The gain for a frame, before the low-pass.
-[[gnu::always_inline]] inline double PhaseGain(const Coefficients& c, const Lengths& lengths, double peak,
-                                               State& s) noexcept {
+[[gnu::always_inline]] inline double PhaseGain(const Coefficients& c, double peak, State& s) noexcept {
   switch (s.phase) {
     case Phase::kClosed:
       if (peak >= c.open_threshold) {
@@ -103,24 +87,30 @@ inline double ReleaseGain(const Coefficients& c, double peak, State& s) noexcept
     case Phase::kOpen:
       if (peak < c.close_threshold) s.phase = Phase::kHold;
       return 1.0;
-    case Phase::kHold: return HoldGain(c, lengths, peak, s);
+    case Phase::kHold: return HoldGain(c, peak, s);
     case Phase::kRelease: return ReleaseGain(c, peak, s);
   }
   return 0.0;
 }
 
+// One frame of interleaved samples, in place.
+template <typename Codec, std::size_t kChannels>
+[[gnu::always_inline]] inline void RunFrame(const Coefficients& c, State& s, typename Codec::Sample* samples) noexcept {
+  double x[kChannels];
+  const double frame_peak = dynamics::DecodeFrame<Codec>(samples, x);
+  const double level = dynamics::FilledLevel(kValleyFilter, frame_peak, s.valley);
+  const double gain = dynamics::LowPassed(PhaseGain(c, WindowPeak(c, level, s), s), s.low_pass);
+  for (std::size_t channel = 0; channel < kChannels; ++channel) samples[channel] = Codec::Encode(x[channel] * gain);
+}
+
 // frames × kChannels interleaved samples, in place. The state lives in locals meanwhile.
 template <typename Codec, std::size_t kChannels>
-void RunFrames(const Coefficients& coefficients, const Lengths& lengths, State& state, typename Codec::Sample* samples,
-               std::uint32_t frames) noexcept {
+void RunPlain(const Coefficients& coefficients, State& state, typename Codec::Sample* samples,
+              std::uint32_t frames) noexcept {
   const Coefficients c = coefficients;
   State s = state;
   for (std::uint32_t frame = 0; frame < frames; ++frame, samples += kChannels) {
-    double x[kChannels];
-    const double frame_peak = dynamics::DecodeFrame<Codec>(samples, x);
-    const double level = dynamics::FilledLevel(kValleyFilter, frame_peak, s.valley);
-    const double gain = dynamics::LowPassed(PhaseGain(c, lengths, WindowPeak(lengths, level, s), s), s.low_pass);
-    for (std::size_t channel = 0; channel < kChannels; ++channel) samples[channel] = Codec::Encode(x[channel] * gain);
+    RunFrame<Codec, kChannels>(c, s, samples);
   }
   state = s;
 }
