@@ -1,5 +1,7 @@
 #include "effects/gate/gate_engine.h"
 
+#include "effects/gate/gate_kernel.h"
+
 namespace tervan {
 
 void GateEngine::Start() {
@@ -21,9 +23,9 @@ template <typename Codec>
 void GateEngine::Run(typename Codec::Sample* data, std::uint32_t frames) {
   if (coefficients_.off || coefficients_.bypass) return;
   if (format().nChannels == 1) {
-    gate::RunPlain<Codec, 1>(coefficients_, state_, data, frames);
+    gate::RunFrames<Codec, 1>(coefficients_, state_, data, frames);
   } else {
-    gate::RunPlain<Codec, 2>(coefficients_, state_, data, frames);
+    gate::RunFrames<Codec, 2>(coefficients_, state_, data, frames);
   }
 }
 
