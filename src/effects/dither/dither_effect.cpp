@@ -1,9 +1,7 @@
 #include "effects/dither/dither_effect.h"
 
-#include <cstddef>
+#include <cstdint>
 #include <new>
-
-#include "shell/sample_codec.h"
 
 namespace tervan {
 
@@ -55,21 +53,6 @@ HRESULT DitherEffect::PushSettings(ProcessMode mode) {
   return S_OK;
 }
 
-// Integers go through the engine frame by frame, so that their noise is drawn in the order of time.
-template <typename Codec>
-void DitherEffect::ProcessFrames(typename Codec::Sample* samples, std::uint32_t frames) {
-  double frame_samples[2];
-  for (std::uint32_t frame = 0; frame < frames; ++frame, samples += channels_) {
-    for (std::size_t channel = 0; channel < channels_; ++channel) {
-      frame_samples[channel] = Codec::Decode(samples[channel]);
-    }
-    engine_->Process(frame_samples, 1, channels_);
-    for (std::size_t channel = 0; channel < channels_; ++channel) {
-      samples[channel] = Codec::Encode(frame_samples[channel]);
-    }
-  }
-}
-
 HRESULT DitherEffect::Process(SampleFormat format, ProcessMode mode, void* data, std::uint32_t* frames, bool stop) {
   if (stop) return S_FALSE;
   const bool reset = mode == ProcessMode::kDiscontinuity && has_processed_;
@@ -80,9 +63,9 @@ HRESULT DitherEffect::Process(SampleFormat format, ProcessMode mode, void* data,
   }
   has_processed_ = true;
   switch (format) {
-    case SampleFormat::kPcm8: ProcessFrames<Pcm8Codec>(static_cast<std::uint8_t*>(data), *frames); break;
-    case SampleFormat::kPcm16: ProcessFrames<Pcm16Codec>(static_cast<std::int16_t*>(data), *frames); break;
-    case SampleFormat::kPcm32: ProcessFrames<Pcm32Codec>(static_cast<std::int32_t*>(data), *frames); break;
+    case SampleFormat::kPcm8: engine_->Process(static_cast<std::uint8_t*>(data), *frames, channels_); break;
+    case SampleFormat::kPcm16: engine_->Process(static_cast<std::int16_t*>(data), *frames, channels_); break;
+    case SampleFormat::kPcm32: engine_->Process(static_cast<std::int32_t*>(data), *frames, channels_); break;
     case SampleFormat::kFloat32: engine_->Process(static_cast<float*>(data), *frames, channels_); break;
     case SampleFormat::kFloat64: engine_->Process(static_cast<double*>(data), *frames, channels_); break;
     case SampleFormat::kNone: break;

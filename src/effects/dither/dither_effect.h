@@ -42,9 +42,6 @@ class DitherEffect final : public Effect {
   HRESULT Process(SampleFormat format, ProcessMode mode, void* data, std::uint32_t* frames, bool stop) override;
 
  private:
-  template <typename Codec>
-  void ProcessFrames(typename Codec::Sample* samples, std::uint32_t frames);
-
   DitherControl control_;
   const MillisecondClock clock_;
   std::unique_ptr<CLmDither> engine_;  // between start and stop

@@ -1,41 +1,15 @@
 // Requantises samples to a word length of 8 to 32 bits: adds one of six noises, rounds, and shapes the spectrum of the
-// total error by error feedback. Full scale is 1.0; one LSB is 2^(1 - bits).
-//
-// With the LSB as unit, noise d, and k the factor of the second order:
-//
-//   off            q = round(x + d)
-//   first order    v = x - e;      q = round(v + d);  e = q - v                    error shaped by 1 - z^-1
-//   second order   v = x - a + b;  q = round(v + d);  b = k a';  a = q - v         by 1 - z^-1 + k z^-2
-//
-// Source: S. P. Lipshitz, J. Vanderkooy, R. A. Wannamaker, "Minimally audible noise shaping", Journal of the Audio
-// Engineering Society 39 (1991).
+// total error by error feedback; dither_plain.h has the formulas. Full scale is 1.0; one LSB is 2^(1 - bits).
 #pragma once
 
 #include <cstdint>
 #include <memory>
 
+#include "effects/dither/dither_state.h"
 #include "effects/dither/r250_generator.h"
 #include "support/millisecond_clock.h"
 
 namespace tervan {
-
-// Records hold these values.
-enum class DitherType : std::uint32_t {
-  kNone,
-  kHalfRectangular,     // ±0.5 LSB
-  kRectangular,         // ±1 LSB
-  kTriangular,          // triangular density within ±1 LSB
-  kHighpassTriangular,  // the difference of successive uniform values, within ±0.995 LSB
-  kGaussian,            // standard deviation 0.5 LSB
-};
-inline constexpr std::uint32_t kDitherTypeCount = 6;
-
-enum class NoiseShaping : std::uint32_t {
-  kOff,
-  kHighPassContour,       // first order
-  kEqualLoudnessContour,  // second order, k = 0.75
-  kSecondOrderHalf,       // second order, k = 0.5; no setting selects it
-};
 
 // Streaming thread only; Process allocates nothing. The class is exported: its members stay as they are, in name and
 // order.
@@ -57,32 +31,18 @@ class CLmDither {
   void Configure(std::uint32_t bits, DitherType dither_type, NoiseShaping shaping,
                  MillisecondClock clock = ModuleMilliseconds);
 
-  // frames × channels interleaved samples in place, channel by channel. channels: 1 or 2; others change nothing.
-  // Results beyond 32 bits saturate, and a NaN becomes 0.
+  // frames × channels interleaved samples in place; channels: 1 or 2, others change nothing. Results beyond 32 bits
+  // saturate, and a NaN becomes 0. Floats are processed channel by channel, integers as if each frame were a call: that
+  // decides which noise meets which sample.
+  void Process(std::uint8_t* samples, std::uint32_t frames, std::uint32_t channels);
+  void Process(std::int16_t* samples, std::uint32_t frames, std::uint32_t channels);
+  void Process(std::int32_t* samples, std::uint32_t frames, std::uint32_t channels);
   void Process(float* samples, std::uint32_t frames, std::uint32_t channels);
   void Process(double* samples, std::uint32_t frames, std::uint32_t channels);
 
  private:
-  using NoiseFunction = double (*)(R250Generator& generator, double amplitude, double& highpass_history);
-  struct NoiseSource {
-    NoiseFunction function;
-    double amplitude_lsb;
-  };
-  static const NoiseSource kNoiseSources[kDitherTypeCount];
-
-  template <typename Sample>
-  void ProcessAll(Sample* samples, std::uint32_t frames, std::uint32_t channels);
-  template <typename Sample>
-  void ProcessRounding(Sample* samples, std::uint32_t frames, std::uint32_t channels);
-  template <typename Sample>
-  void ProcessFlat(Sample* samples, std::uint32_t frames, std::uint32_t channels);
-  template <typename Sample>
-  void ProcessFirstOrder(Sample* samples, std::uint32_t frames, std::uint32_t channels);
-  template <typename Sample>
-  void ProcessSecondOrder(Sample* samples, std::uint32_t frames, std::uint32_t channels, double k);
-  double NextNoise() { return m_noiseFunction(*m_generator, m_amplitude, m_highpassHistory); }
-
-  static constexpr std::uint32_t kMaxChannels = 2;
+  template <typename Codec>
+  void ProcessAll(typename Codec::Sample* samples, std::uint32_t frames, std::uint32_t channels);
 
   std::uint32_t m_formatCode = 0;
   DitherType m_ditherType = DitherType::kNone;
@@ -93,8 +53,8 @@ class CLmDither {
   double m_scale = 0.0;      // LSB per full scale
   double m_inverseScale = 0.0;
   double m_highpassHistory = 0.0;  // one for all channels
-  double m_errorA[kMaxChannels] = {};
-  double m_errorB[kMaxChannels] = {};
+  double m_errorA[kMaxDitherChannels] = {};
+  double m_errorB[kMaxDitherChannels] = {};
 };
 
 static_assert(sizeof(CLmDither) == (sizeof(void*) == 8 ? 96 : 88));

@@ -1,9 +1,11 @@
 #include "effects/dither/r250_generator.h"
 
+#include <emmintrin.h>
+
+#include <algorithm>
+
 namespace tervan {
 namespace {
-
-constexpr std::uint32_t kPartnerOffset = 103;
 
 // Word kFirstIndependent + j kIndependentStep gets j leading zeros and then a one: 32 words that are linearly
 // independent, so that the register never degenerates.
@@ -27,7 +29,56 @@ class SeedSource {
   std::uint64_t state_;
 };
 
+__m128i LoadWords(const std::uint32_t* words) noexcept {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(words));
+}
+void StoreWords(std::uint32_t* words, __m128i vector) noexcept {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(words), vector);
+}
+
+// words[i] ^= partners[i], where no word is the partner of one of the next three. The last vector is drawn first and
+// stored last: it overlaps the one before it.
+void DrawRun(std::uint32_t* words, const std::uint32_t* partners, std::size_t count) noexcept {
+  if (count < 4) {
+    for (std::size_t i = 0; i < count; ++i) words[i] ^= partners[i];
+    return;
+  }
+  const auto drawn = [=](std::size_t i) { return _mm_xor_si128(LoadWords(words + i), LoadWords(partners + i)); };
+  const __m128i last = drawn(count - 4);
+  for (std::size_t i = 0; i < count - 4; i += 4) StoreWords(words + i, drawn(i));
+  StoreWords(words + count - 4, last);
+}
+
+std::uint32_t Wrapped(std::size_t cursor) noexcept {
+  return static_cast<std::uint32_t>(cursor < R250Generator::kWords ? cursor : cursor - R250Generator::kWords);
+}
+
 }  // namespace
+
+// Up to the place where either cursor wraps, words lie one behind the other.
+void R250Generator::Skip(std::size_t count) noexcept {
+  while (count > 0) {
+    const std::size_t run = std::min<std::size_t>(count, kWords - std::max(cursor_a_, cursor_b_));
+    DrawRun(words_.data() + cursor_a_, words_.data() + cursor_b_, run);
+    cursor_a_ = Wrapped(cursor_a_ + run);
+    cursor_b_ = Wrapped(cursor_b_ + run);
+    count -= run;
+  }
+}
+
+void R250Generator::CopyTo(std::uint32_t* words) const noexcept {
+  const auto oldest = words_.begin() + cursor_a_;
+  std::copy(words_.begin(), oldest, std::copy(oldest, words_.end(), words));
+}
+
+void R250Generator::GoOnFrom(const std::uint32_t* words, std::size_t count) noexcept {
+  cursor_a_ = Wrapped(cursor_a_ + count % kWords);
+  cursor_b_ = Wrapped(cursor_b_ + count % kWords);
+  const auto oldest = words_.begin() + cursor_a_;
+  const auto* const rest = words + (kWords - cursor_a_);
+  std::copy(words, rest, oldest);
+  std::copy(rest, words + kWords, words_.begin());
+}
 
 void R250Generator::Seed(std::uint32_t seed) {
   SeedSource source(seed);

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace tervan {
@@ -14,6 +15,7 @@ namespace tervan {
 class R250Generator {
  public:
   static constexpr std::uint32_t kWords = 250;
+  static constexpr std::uint32_t kPartnerOffset = 103;  // of words, from the oldest one
 
   // Fills the table. The same seed gives the same sequence.
   void Seed(std::uint32_t seed);
@@ -25,6 +27,17 @@ class R250Generator {
     cursor_b_ = successor_[cursor_b_];
     return word;
   }
+
+  // As so many draws.
+  void Skip(std::size_t count) noexcept;
+
+  std::uint32_t LastDrawn() const noexcept { return words_[(cursor_a_ + kWords - 1) % kWords]; }
+
+  // The last kWords words, the oldest first; and, when someone else has drawn count more, the last ones then.
+  void CopyTo(std::uint32_t* words) const noexcept;
+  void GoOnFrom(const std::uint32_t* words, std::size_t count) noexcept;
+
+  bool operator==(const R250Generator&) const = default;
 
   // In [-1, 1).
   double DrawUniform() noexcept { return static_cast<std::int32_t>(Draw()) * 0x1p-31; }
