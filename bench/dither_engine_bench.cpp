@@ -1,63 +1,91 @@
-// The dither to 16 bits: the engine on floats, the effect on integers, which it converts.
+// The dither to 16 bits: the engine against the plain routine, formats and kinds of material against each other.
 
-#include "effects/dither/dither_effect.h"
+#include "effects/dither/dither_engine.h"
 
-#include "engine_bench.h"
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <type_traits>
+
+#include "comparison.h"
+#include "effects/dither/dither_plain.h"
+#include "effects/dither/dither_rig.h"
+#include "shell/sample_codec.h"
 
 namespace tervan::bench {
 namespace {
 
 constexpr std::uint32_t kBits = 16;
+constexpr std::uint32_t kSeed = 1;
+constexpr std::uint32_t kNone = 0, kRectangular = 2, kTriangular = 3, kHighpassTriangular = 4, kGaussian = 5;
 
-struct Named {
-  const char* name;
-  std::uint32_t value;
+struct Row {
+  std::uint32_t type, shaping;
+  std::size_t channels = 2;
+  Material material = Material::kProgramme;
 };
-constexpr Named kTypes[] = {
-    {"None", 0}, {"Rectangular", 2}, {"Triangular", 3}, {"Gaussian", 5}, {"HighpassTriangular", 4}};
-constexpr Named kShapings[] = {{"Flat", 0}, {"FirstOrder", 1}, {"SecondOrder", 2}};
 
-template <typename Sample>
-void RegisterFormat(const std::string& format) {
-  for (const Named& type : kTypes) {
-    for (const Named& shaping : kShapings) {
-      Register("Dither_" + std::string(type.name) + "_" + shaping.name + "_Stereo" + format,
-               [type, shaping](benchmark::State& state) {
-                 CLmDither engine(kBits, static_cast<DitherType>(type.value), static_cast<NoiseShaping>(shaping.value));
-                 TimeBlocks<Sample>(state, [&engine](Sample* block, std::uint32_t frames) {
-                   engine.Process(block, frames, kChannels);
-                 });
-               });
+template <typename Codec>
+auto PlainRoutine(const Row& row) {
+  using Sample = typename Codec::Sample;
+  testing::DitherRig rig(kBits, row.type, row.shaping, kSeed);
+  const auto process = [rig, channels = static_cast<std::uint32_t>(row.channels)](Sample* block,
+                                                                                  std::uint32_t frames) mutable {
+    if constexpr (std::is_integral_v<Sample>) {
+      dither_plain::ProcessFrames<Codec>(rig.State(), block, frames, channels);
+    } else {
+      dither_plain::Process<Codec>(rig.State(), block, frames, channels);
     }
-  }
+  };
+  return Timed<Sample>(process, row.material, row.channels);
 }
 
-struct NoWindows : WindowPoster {
-  bool Exists(WindowHandle) override { return false; }
-  void PostCommand(WindowHandle, std::int32_t, std::uint16_t) override {}
-};
+template <typename Codec>
+auto EngineRoutine(const Row& row) {
+  using Sample = typename Codec::Sample;
+  auto engine = std::make_shared<CLmDither>(kBits, static_cast<DitherType>(row.type),
+                                            static_cast<NoiseShaping>(row.shaping), [] { return kSeed; });
+  const auto process = [engine, channels = static_cast<std::uint32_t>(row.channels)](
+                           Sample* block, std::uint32_t frames) { engine->Process(block, frames, channels); };
+  return Timed<Sample>(process, row.material, row.channels);
+}
 
-template <typename Sample>
-void RegisterInteger(const std::string& format) {
-  Register("Dither_Triangular_SecondOrder_Stereo" + format, [](benchmark::State& state) {
-    NoWindows windows;
-    DitherEffect effect(windows);
-    const DitherSettings settings{2, 3, 2};
-    effect.SetRecord(&settings);
-    effect.SetFormat(testing::FormatOf(kChannels, 44100));
-    effect.Start();
-    TimeBlocks<Sample>(state, [&effect](Sample* block, std::uint32_t frames) {
-      effect.Process(testing::kFormatOf<Sample>, ProcessMode::kContinuous, block, &frames, false);
-    });
-  });
+template <typename Codec>
+void RegisterFormat(const std::string& name, const Row& row) {
+  RegisterComparison(
+      "Dither_" + name, [=] { return PlainRoutine<Codec>(row); }, [=] { return EngineRoutine<Codec>(row); });
+}
+
+template <typename Base, typename Codec>
+void RegisterPair(const std::string& name, const Row& base, const Row& row) {
+  RegisterComparison(
+      "Dither_" + name, [=] { return EngineRoutine<Base>(base); }, [=] { return EngineRoutine<Codec>(row); });
 }
 
 [[maybe_unused]] const bool registered = [] {
-  RegisterInteger<std::uint8_t>("Pcm8");
-  RegisterInteger<std::int16_t>("Pcm16");
-  RegisterInteger<std::int32_t>("Pcm32");
-  RegisterFormat<float>("Float32");
-  RegisterFormat<double>("Float64");
+  const char* const kShapings[] = {"Flat", "FirstOrder", "SecondOrder"};
+  for (std::uint32_t shaping = 0; shaping < 3; ++shaping) {
+    const std::string name = kShapings[shaping];
+    RegisterFormat<Float32Codec>("Triangular_" + name + "_StereoFloat32", {kTriangular, shaping});
+    RegisterFormat<Float32Codec>("Triangular_" + name + "_MonoFloat32", {kTriangular, shaping, 1});
+    RegisterFormat<Float64Codec>("Triangular_" + name + "_StereoFloat64", {kTriangular, shaping});
+    RegisterFormat<Pcm8Codec>("Triangular_" + name + "_StereoPcm8", {kTriangular, shaping});
+    RegisterFormat<Pcm16Codec>("Triangular_" + name + "_StereoPcm16", {kTriangular, shaping});
+    RegisterFormat<Pcm32Codec>("Triangular_" + name + "_StereoPcm32", {kTriangular, shaping});
+    RegisterFormat<Float32Codec>("None_" + name + "_StereoFloat32", {kNone, shaping});
+    RegisterFormat<Float32Codec>("Rectangular_" + name + "_StereoFloat32", {kRectangular, shaping});
+    RegisterFormat<Float32Codec>("HighpassTriangular_" + name + "_StereoFloat32", {kHighpassTriangular, shaping});
+    RegisterFormat<Float32Codec>("Gaussian_" + name + "_StereoFloat32", {kGaussian, shaping});
+
+    const Row row{kTriangular, shaping};
+    RegisterPair<Float32Codec, Pcm16Codec>("Triangular_" + name + "_Float32ToPcm16", row, row);
+    const Row noise{kTriangular, shaping, 2, Material::kNoise};
+    RegisterPair<Float32Codec, Float32Codec>("Triangular_" + name + "_NoiseToSilence", noise,
+                                             {kTriangular, shaping, 2, Material::kSilence});
+    RegisterPair<Float32Codec, Float32Codec>("Triangular_" + name + "_NoiseToSubnormal", noise,
+                                             {kTriangular, shaping, 2, Material::kSubnormal});
+  }
   return true;
 }();
 
