@@ -6,6 +6,7 @@
 #include "host/effect_instance.h"
 #include "host/json_writer.h"
 #include "host/text.h"
+#include "host/text_table.h"
 #include "shell/plugin_interfaces.h"
 
 namespace tervan::host {
@@ -80,42 +81,22 @@ std::string DescriptionJson(const EffectInstance& effect) {
   return json.Take();
 }
 
-std::string Padded(std::string text, size_t width) {
-  text.resize(std::max(width, text.size()), ' ');
-  return text;
-}
-
-// Columns as wide as their widest cell.
-std::string Table(const std::vector<std::vector<std::string>>& rows) {
-  std::vector<size_t> widths;
-  for (const auto& row : rows) {
-    widths.resize(std::max(widths.size(), row.size()));
-    for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
-  }
-  std::string text;
-  for (const auto& row : rows) {
-    for (size_t i = 0; i + 1 < row.size(); ++i) text += Padded(row[i], widths[i] + 2);
-    text += row.back() + '\n';
-  }
-  return text;
-}
-
 std::string DescriptionText(const EffectInstance& effect) {
-  std::vector<std::vector<std::string>> params{{"Parameter", "Type", "Range", "New effect", "Curves"}};
+  TextRows params{{"Parameter", "Type", "Range", "New effect", "Curves"}};
   for (DWORD i = 0; i < effect.Params().size(); ++i) {
     const ParamDescription& param = effect.Params()[i];
     const std::vector<std::string> curves = CurveNames(param);
     params.push_back({param.label, std::string(TypeName(param.type)), DescribeRange(param),
                       FormatParamValue(param, effect.ParamValue(i)), curves.empty() ? "none" : Listed(curves)});
   }
-  std::vector<std::vector<std::string>> presets{{"#", "Preset"}};
+  TextRows presets{{"#", "Preset"}};
   for (const std::string& name : effect.PresetNames()) presets.push_back({std::to_string(presets.size() - 1), name});
-  std::vector<std::vector<std::string>> interfaces{{"Interface", "IID"}};
+  TextRows interfaces{{"Interface", "IID"}};
   for (const KnownInterface& known : Interfaces(effect)) {
     interfaces.push_back({std::string(known.name), GuidText(known.iid)});
   }
-  return std::string(effect.Type().title) + ' ' + GuidText(effect.Type().clsid) + "\n\n" + Table(params) + '\n' +
-         Table(presets) + '\n' + Table(interfaces);
+  return std::string(effect.Type().title) + ' ' + GuidText(effect.Type().clsid) + "\n\n" + TextTable(params) + '\n' +
+         TextTable(presets) + '\n' + TextTable(interfaces);
 }
 
 }  // namespace
@@ -123,11 +104,11 @@ std::string DescriptionText(const EffectInstance& effect) {
 std::string ListEffects(const Module& module, bool json) {
   const std::vector<const EffectType*> effects = AvailableEffects(module);
   if (!json) {
-    std::vector<std::vector<std::string>> rows;
+    TextRows rows;
     for (const EffectType* effect : effects) {
       rows.push_back({std::string(effect->name), std::string(effect->title), GuidText(effect->clsid)});
     }
-    return Table(rows);
+    return TextTable(rows);
   }
   JsonWriter writer;
   writer.BeginObject().Key("effects").BeginArray();

@@ -20,15 +20,7 @@
 namespace tervan::host {
 namespace {
 
-// What all files have in common.
-struct Plan {
-  const Options& options;
-  std::optional<Module> module;             // only where there are effects
-  std::optional<MeterWindow> meter_window;  // only for effects with meters, and before a filter graph
-  std::vector<Envelope> automation;
-};
-
-std::vector<EffectInstance> MakeChain(const Plan& plan) {
+std::vector<EffectInstance> MakeChain(const RenderPlan& plan) {
   if (!plan.module) return {};
   return MakeChain(*plan.module, plan.options.effects);
 }
@@ -54,64 +46,77 @@ SampleType WorkingType(const Options& options, const AudioFormat& input) {
 
 Levels LevelsOf(const LevelMeter& meter) { return {meter.PeakDb(), meter.RmsDb()}; }
 
-void RenderFile(const Plan& plan, FileReport* report) {
-  const auto start = std::chrono::steady_clock::now();
-  WavReader reader(report->input);
-  const SampleType type = WorkingType(plan.options, reader.Format());
-  report->input_format = reader.Format();
-  report->output_format = reader.Format().With(plan.options.word_length.value_or(type));
-  WavWriter writer(report->output, report->output_format, reader.Frames(), plan.options.force);
-
-  // New effects for every file: nothing of one may be heard in the next.
-  std::vector<EffectInstance> chain = MakeChain(plan);
-  Automate(chain, plan.automation);
-  RenderInput input(reader, type);
-  RenderOutput output(writer, type, chain, plan.meter_window ? plan.meter_window->Get() : nullptr);
-  ProgressLine progress(report->input, reader.Frames());
-  const size_t buffer_frames = BufferFrames(reader.Format(), !plan.automation.empty());
-  const auto render = plan.options.path == RenderPath::kDirect ? RenderDirectly : RenderThroughGraph;
-  render(input, output, chain, buffer_frames, progress);
-  ThrowIfInterrupted();
-  writer.Finish();
-
-  report->frames = writer.Frames();
-  report->input_levels = LevelsOf(input.Levels());
-  report->output_levels = LevelsOf(output.Levels());
-  const auto reductions = output.Reductions().LargestDb();
-  for (size_t i = 0; i < chain.size(); ++i) {
-    report->effects.push_back({std::string(chain[i].Type().name), reductions[i]});
-  }
-  report->elapsed_s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+// Without results.
+FileReport ReportOn(const RenderPlan& plan, const std::string& input) {
+  FileReport report;
+  report.input = input;
+  report.output = OutputPathFor(plan.options.output, input);
+  return report;
 }
 
-FileReport TryFile(const Plan& plan, const std::string& path) {
-  FileReport report;
-  report.input = path;
-  report.output = OutputPathFor(plan.options.output, path);
+FileReport TryFile(const RenderPlan& plan, const std::string& input) {
+  FileReport report = ReportOn(plan, input);
   try {
-    RenderFile(plan, &report);
+    return RenderFile(plan, input);
   } catch (const std::bad_alloc&) {
     report.error = "memory ran out";
   } catch (const std::exception& error) {
     report.error = error.what();
   }
-  if (!report.error.empty()) PrintError("tervan-host: " + report.error + '\n');
+  PrintError("tervan-host: " + report.error + '\n');
   return report;
 }
 
 }  // namespace
 
+FileReport RenderFile(const RenderPlan& plan, const std::string& input_path) {
+  const Options& options = plan.options;
+  FileReport report = ReportOn(plan, input_path);
+  const auto start = std::chrono::steady_clock::now();
+  WavReader reader(report.input);
+  const SampleType type = WorkingType(options, reader.Format());
+  report.input_format = reader.Format();
+  report.output_format = reader.Format().With(options.word_length.value_or(type));
+  WavWriter writer(report.output, report.output_format, reader.Frames(), options.force);
+
+  // New effects for every file: nothing of one may be heard in the next.
+  std::vector<EffectInstance> chain = MakeChain(plan);
+  Automate(chain, plan.automation);
+  RenderInput input(reader, type);
+  RenderOutput output(writer, type, chain, plan.meter_window);
+  ProgressLine progress(report.input, reader.Frames());
+  const size_t buffer_frames = BufferFrames(reader.Format(), !plan.automation.empty());
+  const auto render = options.path == RenderPath::kDirect ? RenderDirectly : RenderThroughGraph;
+  render(input, output, chain, buffer_frames, progress);
+  ThrowIfInterrupted();
+  writer.Finish();
+
+  report.frames = writer.Frames();
+  report.input_levels = LevelsOf(input.Levels());
+  report.output_levels = LevelsOf(output.Levels());
+  const auto reductions = output.Reductions().LargestDb();
+  for (size_t i = 0; i < chain.size(); ++i) {
+    report.effects.push_back({std::string(chain[i].Type().name), reductions[i]});
+  }
+  report.elapsed_s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  return report;
+}
+
 int Render(const Options& options) {
-  Plan plan{options, {}, {}, {}};
-  if (!options.effects.empty()) plan.module.emplace(options.module_path);
+  RenderPlan plan{.options = options};
+  std::optional<Module> module;
+  if (!options.effects.empty()) plan.module = &module.emplace(options.module_path);
+  std::optional<MeterWindow> meter_window;
+  std::vector<Envelope> automation;
   std::vector<StateFile> states;
   {
     const std::vector<EffectInstance> chain = MakeChain(plan);
-    if (options.path == RenderPath::kGraph || HaveMeters(chain)) plan.meter_window.emplace();
-    if (!options.automation_path.empty()) plan.automation = ReadAutomation(options.automation_path, chain);
+    if (options.path == RenderPath::kGraph || HaveMeters(chain)) plan.meter_window = meter_window.emplace().Get();
+    if (!options.automation_path.empty()) automation = ReadAutomation(options.automation_path, chain);
     // Settings do not change while files are rendered, so they can be stored from a chain that never ran.
     states = StatesToSave(options.effects, chain);
   }
+  plan.automation = automation;
   CheckOutputs(options, states);
 
   std::vector<FileReport> reports;
