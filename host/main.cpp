@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/bench.h"
 #include "host/console.h"
 #include "host/describe.h"
 #include "host/exit_code.h"
@@ -51,6 +52,7 @@ int Execute(const Options& options) {
       PrintOut(DescribeEffect(Module(options.module_path), options.described_effect, options.json));
       break;
     case Command::kRender: return Render(options);
+    case Command::kBench: Bench(options); break;
     case Command::kPage: return ShowPage(options);
     case Command::kRegister:
     case Command::kUnregister: {

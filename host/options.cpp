@@ -14,13 +14,14 @@ namespace {
 constexpr std::string_view kNamePlaceholder = "{name}";
 
 constexpr std::string_view kHelp =
-    R"(tervan-host runs WAV files through the effects of tervanfx.dll and shows their property pages.
+    R"(tervan-host runs WAV files through the effects of tervanfx.dll, shows their property pages and tells how fast they are.
 
   tervan-host list                          the effects
   tervan-host describe EFFECT               its parameters, presets and interfaces
   tervan-host render IN.wav... OUT.wav      renders files
   tervan-host page EFFECT[:KEY=VALUE]... [IN.wav]
                                             shows its property page, while the file plays through it in a loop
+  tervan-host bench                         how fast the effects are on this machine
   tervan-host register | unregister         enters the module into the registry, or removes it
 
 Options of render
@@ -55,6 +56,10 @@ Options of page
   --load-state, --save-state, --force
                                  as above; settings are saved as they are when the window is closed
 
+Options of bench
+  --effect NAME...               only this effect
+  --quick                        a few seconds instead of a quarter of a minute, for rough figures
+
 Options of all commands
   --module FILE                  the module; otherwise the tervanfx.dll beside this program, or the registered one
   --json                         prints the result as JSON
@@ -71,21 +76,30 @@ struct CommandName {
   std::string_view name;
   Command command;
 };
-constexpr std::array kCommands{
-    CommandName{"list", Command::kList},         CommandName{"describe", Command::kDescribe},
-    CommandName{"render", Command::kRender},     CommandName{"page", Command::kPage},
-    CommandName{"register", Command::kRegister}, CommandName{"unregister", Command::kUnregister}};
+constexpr std::array kCommands{CommandName{"list", Command::kList},
+                               CommandName{"describe", Command::kDescribe},
+                               CommandName{"render", Command::kRender},
+                               CommandName{"page", Command::kPage},
+                               CommandName{"bench", Command::kBench},
+                               CommandName{"register", Command::kRegister},
+                               CommandName{"unregister", Command::kUnregister}};
 
 // Options that not all commands have.
 struct OptionUse {
   std::string_view name;
-  bool by_render;
-  bool by_page;
+  std::array<Command, 2> users;  // twice the same where there is only one
 };
+constexpr Command kRender = Command::kRender, kPage = Command::kPage, kBench = Command::kBench;
 constexpr std::array kOptionUses{
-    OptionUse{"--effect", true, false},    OptionUse{"--path", true, false},      OptionUse{"--bits", true, false},
-    OptionUse{"--automation", true, true}, OptionUse{"--load-state", true, true}, OptionUse{"--save-state", true, true},
-    OptionUse{"--force", true, true},      OptionUse{"--picture", false, true},   OptionUse{"--open", false, true}};
+    OptionUse{"--effect", {kRender, kBench}},    OptionUse{"--path", {kRender, kRender}},
+    OptionUse{"--bits", {kRender, kRender}},     OptionUse{"--automation", {kRender, kPage}},
+    OptionUse{"--load-state", {kRender, kPage}}, OptionUse{"--save-state", {kRender, kPage}},
+    OptionUse{"--force", {kRender, kPage}},      OptionUse{"--picture", {kPage, kPage}},
+    OptionUse{"--open", {kPage, kPage}},         OptionUse{"--quick", {kBench, kBench}}};
+
+std::string NameOf(Command command) {
+  return std::string(std::ranges::find(kCommands, command, &CommandName::command)->name);
+}
 
 [[noreturn]] void Fail(const std::string& message) { throw UsageError(message); }
 
@@ -158,6 +172,8 @@ class Parser {
       save_state_path_ = Value(name);
     } else if (name == "--force") {
       options_.force = true;
+    } else if (name == "--quick") {
+      options_.quick = true;
     } else {
       Fail("there is no option " + name + "; --help shows all");
     }
@@ -185,7 +201,7 @@ class Parser {
     }
     if (options_.command == Command::kHelp) {
       Fail("there is no command " + Quoted(words_[0]) +
-           "; there are list, describe, render, page, register and unregister");
+           "; there are list, describe, render, page, bench, register and unregister");
     }
     const size_t operands = words_.size() - 1;
     switch (options_.command) {
@@ -199,16 +215,22 @@ class Parser {
         if (operands != 0) Fail(words_[0] + " takes no argument, so " + Quoted(words_[1]) + " means nothing");
     }
     CheckStreamOptions();
+    if (options_.command == Command::kBench) CheckBenchEffects();
     TakeStatePaths();
   }
 
   void CheckStreamOptions() const {
     for (const std::string& option : stream_options_) {
       const OptionUse& use = *std::ranges::find(kOptionUses, option, &OptionUse::name);
-      if (use.by_render && options_.command == Command::kRender) continue;
-      if (use.by_page && options_.command == Command::kPage) continue;
-      const char* const users = !use.by_page ? "render" : use.by_render ? "render and page" : "page";
-      Fail("the option " + option + " belongs to " + users);
+      const auto [first, second] = use.users;
+      if (options_.command == first || options_.command == second) continue;
+      Fail("the option " + option + " belongs to " + NameOf(first) + (first == second ? "" : " and " + NameOf(second)));
+    }
+  }
+
+  void CheckBenchEffects() const {
+    for (const EffectRequest& effect : options_.effects) {
+      if (!effect.settings.empty()) Fail("bench has settings of its own; its --effect takes only a name");
     }
   }
 

@@ -11,7 +11,7 @@
 
 namespace tervan::host {
 
-enum class Command { kHelp, kVersion, kList, kDescribe, kRender, kPage, kRegister, kUnregister };
+enum class Command { kHelp, kVersion, kList, kDescribe, kRender, kPage, kBench, kRegister, kUnregister };
 enum class RenderPath { kGraph, kDirect };
 enum class PageOpening { kNothing, kAboutBox, kMenu };  // before its picture is taken
 
@@ -24,13 +24,14 @@ struct Options {
 
   std::vector<std::string> inputs;     // of a page at most one
   std::string output;                  // a pattern when there are several inputs
-  std::vector<EffectRequest> effects;  // of a page exactly one
+  std::vector<EffectRequest> effects;  // of a page exactly one; of a benchmark only names, none for all
   RenderPath path = RenderPath::kGraph;
   std::optional<SampleType> word_length;  // integers to write; nothing: what the effects worked on
   std::string automation_path;            // empty: none
   std::string picture_path;               // likewise
   PageOpening opening = PageOpening::kNothing;
   bool force = false;
+  bool quick = false;
 };
 
 // Throws a UsageError.

@@ -1,0 +1,14 @@
+#include "host/bench_timing.h"
+
+#include "host/console.h"
+
+namespace tervan::host {
+
+void TakeTurns(std::span<Trial> trials, int passes) {
+  for (int pass = 0; pass < passes; ++pass) {
+    ThrowIfInterrupted();
+    for (Trial& trial : trials) trial.least_s = std::min(trial.least_s, trial.pass());
+  }
+}
+
+}  // namespace tervan::host
