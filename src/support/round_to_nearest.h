@@ -6,12 +6,13 @@
 
 namespace tervan {
 
+// Adding it to a number of up to 51 bits leaves none for a fraction, so that the addition itself rounds. The sum's
+// bits, taken as an integer, count the integers.
+inline constexpr double kNoFraction = 0x1.8p52;
+
 // The integer that a signed 32-bit one can hold; beyond that it saturates. NaN becomes 0.
-//
-// Adding 1.5 × 2^52 leaves no bits for a fraction, so that the addition itself rounds. Error feedback waits for it less
-// long than for a conversion to an integer and back.
+// Error feedback waits less long for two additions than for a conversion to an integer and back.
 inline double RoundedToInt32(double y) noexcept {
-  constexpr double kNoFraction = 0x1.8p52;
   constexpr double kLow = std::numeric_limits<std::int32_t>::min();
   constexpr double kHigh = std::numeric_limits<std::int32_t>::max();
   if (!(y > kLow && y < kHigh)) [[unlikely]] {

@@ -33,6 +33,7 @@
 #include "effects/dither/dither_state.h"
 #include "shell/frame_codec.h"
 #include "shell/sample_codec.h"
+#include "support/round_to_nearest.h"
 #include "support/state_floor.h"
 
 namespace tervan::dither_kernel {
@@ -40,9 +41,6 @@ namespace tervan::dither_kernel {
 // Integers are processed as if each frame were a call.
 template <typename Codec>
 inline constexpr bool kIsFrameByFrame = std::is_integral_v<typename Codec::Sample>;
-
-// Adding it to a smaller number leaves no bits for a fraction, so that the addition itself rounds.
-inline constexpr double kNoFraction = 0x1.8p52;
 
 inline __m128d Magnitude(__m128d y) noexcept { return _mm_andnot_pd(_mm_set1_pd(-0.0), y); }
 
@@ -121,7 +119,7 @@ class ShapedRun {
   }
 
   bool IsRight() const noexcept {
-    __m128i wrong = _mm_or_si128(differing_, _mm_srli_epi64(reaching_, 32));
+    __m128i wrong = _mm_or_si128(differing_, _mm_srli_epi64(above_lowest_, 32));
     if constexpr (kIsFrameByFrame<Codec>) {
       wrong = _mm_or_si128(wrong, _mm_castpd_si128(_mm_or_pd(tiny_, IsTiny(LeftErrors().a))));
     }
@@ -132,10 +130,10 @@ class ShapedRun {
  private:
   // Both rounded values come with kNoFraction, which makes their bits those of integers.
   [[gnu::always_inline]] void Watch(__m128d guess, __m128d y, __m128d a) noexcept {
-    const __m128i lowest = _mm_castpd_si128(_mm_set1_pd(kNoFraction - 0x1p31));
+    const __m128i lowest = _mm_castpd_si128(_mm_set1_pd(kNoFraction - 0x1p31));  // of 32 bits
     const __m128i y_bits = _mm_castpd_si128(y);
     differing_ = _mm_or_si128(differing_, _mm_xor_si128(y_bits, _mm_castpd_si128(guess)));
-    reaching_ = _mm_or_si128(reaching_, _mm_sub_epi64(y_bits, lowest));
+    above_lowest_ = _mm_or_si128(above_lowest_, _mm_sub_epi64(y_bits, lowest));
     if constexpr (kIsFrameByFrame<Codec>) tiny_ = _mm_or_pd(tiny_, IsTiny(a));
   }
 
@@ -148,15 +146,15 @@ class ShapedRun {
   const __m128d scale_, inverse_scale_, k_;
   // Of the frame before. At the start it is one with v = -a and q = 0, which makes the same error.
   __m128d q_ = _mm_setzero_pd(), v_;
-  __m128d b_;                                 // already of the frame to come
-  __m128d target_before_ = _mm_setzero_pd();  // x' + b'
-  __m128d reduction_;                         // (1 - k) a''
-  __m128i differing_ = _mm_setzero_si128();   // bits in which a guess was wrong
-  __m128i reaching_ = _mm_setzero_si128();    // bits of q, the lowest one that 32 bits hold taken as 0
+  __m128d b_;                                   // already of the frame to come
+  __m128d target_before_ = _mm_setzero_pd();    // x' + b'
+  __m128d reduction_;                           // (1 - k) a''
+  __m128i differing_ = _mm_setzero_si128();     // bits in which a guess was wrong
+  __m128i above_lowest_ = _mm_setzero_si128();  // bits of all q + 2^31; those beyond 32 tell of saturation
   __m128d tiny_ = _mm_setzero_pd();
 };
 
-// frames: even. False leaves everything but the samples as it was.
+// frames: even. False: the samples are wrong, and everything else is as it was.
 template <typename Run, std::size_t kChannels, typename Noise, typename Sample>
 bool QuantiseByGuess(const DitherState& state, Errors& errors, Noise& noise, Sample* samples,
                      std::size_t frames) noexcept {
@@ -175,6 +173,7 @@ bool QuantiseByGuess(const DitherState& state, Errors& errors, Noise& noise, Sam
 
 using BlockNoise = double[kBlockFrames][kMaxDitherChannels];
 
+// Readers yield frames in twos: behind a single frame there is one that nobody takes.
 template <typename Noise>
 [[gnu::noinline]] void ReadBlock(Noise& noise, std::size_t frames, BlockNoise& values) noexcept {
   auto reader = noise.Read();
