@@ -4,6 +4,10 @@
 // Where all words of channel 0 are drawn before those of channel 1, two sequences run side by side, the second from
 // where the first one ends: drawing alone is quick. Words are taken as integers, so that one factor is left; it is a
 // power of two, and no bit depends on where it comes in.
+//
+// Both classes of noise are used alike. A block of frames is prepared; it is read, and read again from its start where
+// a guess went wrong; then it is passed, by what its reader has become. At the end of the call the noise is finished.
+// Blocks are of an even length, but the last one may be of a single frame.
 #pragma once
 
 #include <emmintrin.h>
@@ -102,8 +106,9 @@ class DrawnNoise {
       : state_(state),
         factor_(_mm_set1_pd(state.amplitude * (kWords == 2 || IsHighpass() ? 0x1p-32 : 0x1p-31))),
         coefficient_(_mm_set1_pd(IsHighpass() ? kHighpassCoefficient : 0.0)),
-        before_(_mm_set1_pd(state.highpass_history * 0x1p31)) {
+        before_(_mm_set_sd(state.highpass_history * 0x1p31)) {
     sequences_[0].Start(state.generator);
+    if constexpr (kOrder == DrawOrder::kFrameByFrame) before_ = _mm_unpacklo_pd(before_, before_);
     if constexpr (kSequences == 2) {
       state.generator.Skip(kWords * frames);
       sequences_[1].Start(state.generator);
@@ -114,7 +119,7 @@ class DrawnNoise {
   void Prepare(std::size_t) noexcept {}
   Reader Read() noexcept { return Reader(*this); }
   void Pass(const Reader& reader, std::size_t frames) noexcept {
-    before_ = reader.before_;
+    before_ = reader.before_;  // that of a frame too far after a single one, when it is not needed any more
     for (R250Sequence& sequence : sequences_) sequence.Pass(frames * ChannelsOf(kOrder) / kSequences * kWords);
   }
 

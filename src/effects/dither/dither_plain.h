@@ -32,7 +32,7 @@ inline double Carried(double error_lsb) noexcept {
   return std::fabs(error_lsb) <= kMostError_lsb ? error_lsb : 0.0;
 }
 
-// What a sample of a channel becomes, both with full scale 1.0.
+// Quantisers: what a sample of a channel becomes, both with full scale 1.0, and the errors carried on.
 struct Flat {
   Flat(const DitherState& state, const Errors& errors)
       : scale(state.scale), inverse_scale(state.inverse_scale), errors(errors) {}

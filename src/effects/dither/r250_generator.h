@@ -33,8 +33,9 @@ class R250Generator {
 
   std::uint32_t LastDrawn() const noexcept { return words_[(cursor_a_ + kWords - 1) % kWords]; }
 
-  // The last kWords words, the oldest first; and, when someone else has drawn count more, the last ones then.
+  // For drawing elsewhere: copies the last kWords words, the oldest first.
   void CopyTo(std::uint32_t* words) const noexcept;
+  // As after count more draws, which left these as the last kWords words, the oldest first.
   void GoOnFrom(const std::uint32_t* words, std::size_t count) noexcept;
 
   bool operator==(const R250Generator&) const = default;
