@@ -35,7 +35,8 @@ class StretchLoop {
  public:
   using Sample = typename Codec::Sample;
 
-  // A tiny valley state counts as 0: nothing is fed back, and it is not subtracted.
+  // A tiny valley state counts as 0: nothing is fed back, and it is not subtracted. Levels from the limit on are left
+  // to the plain routine, which knows peaks that count as 0.
   explicit StretchLoop(const Stretch& stretch) noexcept
       : feedback_(Halves(stretch.valley_tiny ? 0.0 : kValleyFilter.feedback, dynamics::kLowPassB)),
         before_(Halves(stretch.valley_tiny ? 0.0 : -1.0, 1.0)),
@@ -104,8 +105,8 @@ class StretchLoop {
     return _mm_add_pd(after, _mm_mul_pd(before, before_));
   }
 
-  const __m128d feedback_;
-  const __m128d before_;
+  const __m128d feedback_;  // factors of the filters' states
+  const __m128d before_;    // and, in what they put out, of the states before
   const __m128d below_level_;
   const __m128d gain_;
   const __m128d ramp_;
