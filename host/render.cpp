@@ -15,6 +15,7 @@
 #include "host/output_file.h"
 #include "host/report.h"
 #include "host/stored_states.h"
+#include "host/stream_graph.h"
 #include "host/text.h"
 
 namespace tervan::host {
@@ -111,13 +112,17 @@ int Render(const Options& options) {
   std::vector<StateFile> states;
   {
     const std::vector<EffectInstance> chain = MakeChain(plan);
-    if (options.path == RenderPath::kGraph || HaveMeters(chain)) plan.meter_window = meter_window.emplace().Get();
+    if (HaveMeters(chain)) plan.meter_window = meter_window.emplace().Get();
     if (!options.automation_path.empty()) automation = ReadAutomation(options.automation_path, chain);
     // Settings do not change while files are rendered, so they can be stored from a chain that never ran.
     states = StatesToSave(options.effects, chain);
   }
   plan.automation = automation;
   CheckOutputs(options, states);
+
+  // Never used, but there: no file has to wait until the platform has loaded what its graph needs.
+  directshow::ComPtr<IGraphBuilder> first_graph;
+  if (options.path == RenderPath::kGraph) first_graph = CreateFilterGraph();
 
   std::vector<FileReport> reports;
   bool has_failed = false;

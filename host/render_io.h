@@ -41,8 +41,7 @@ class RenderInput final : public SampleSource {
 };
 
 // A window that nobody sees. Some effects publish their meters only while one is registered with them. The first window
-// of a process takes Wine a quarter of a second, so one serves all files; the filter graph, which makes windows of its
-// own, finds that done as well.
+// of a process takes Wine a quarter of a second, so one serves all files.
 class MeterWindow {
  public:
   MeterWindow();

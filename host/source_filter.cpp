@@ -14,6 +14,12 @@ constexpr CLSID kSourceClass{0x5f0e7b5a, 0x3c1d, 0x4e0f, {0x9b, 0x52, 0x61, 0x0a
 constexpr long kBuffers = 4;
 constexpr std::uint64_t kUnitsPerSecond = 10'000'000;  // REFERENCE_TIME
 
+// Whether somebody else holds a reference.
+bool IsShared(IMediaSample& sample) {
+  sample.AddRef();
+  return sample.Release() > 1;
+}
+
 }  // namespace
 
 SourcePin::SourcePin(SourceFilter& filter, SampleSource& input, size_t buffer_frames) noexcept
@@ -36,6 +42,7 @@ HRESULT SourcePin::DecideBufferSize(IMemAllocator& allocator, ALLOCATOR_PROPERTI
 HRESULT SourcePin::Active() {
   const HRESULT result = OutputPin::Active();
   if (FAILED(result)) return result;
+  is_stopping_ = false;
   try {
     thread_ = std::thread(&SourcePin::Stream, this);
   } catch (const std::exception&) {
@@ -45,6 +52,7 @@ HRESULT SourcePin::Active() {
 }
 
 HRESULT SourcePin::Inactive() {
+  is_stopping_ = true;
   const HRESULT result = OutputPin::Inactive();
   if (thread_.joinable()) thread_.join();
   return result;
@@ -71,10 +79,13 @@ HRESULT SourcePin::DeliverAll() {
   const auto total = input_.Frames();
   HRESULT result = DeliverNewSegment(0, total ? TimeOf(*total) : std::numeric_limits<REFERENCE_TIME>::max(), 1.0);
   std::uint64_t position = 0;
+  directshow::ComPtr<IMediaSample> sample;
   while (SUCCEEDED(result)) {
-    directshow::ComPtr<IMediaSample> sample;
+    if (is_stopping_) return VFW_E_WRONG_STATE;
+    // Usually everybody is done with the sample when it has been delivered. Under Wine each one that goes back to the
+    // allocator and comes from there again costs two calls of a server.
     BYTE* data = nullptr;
-    result = GetDeliveryBuffer(sample.Put(), nullptr, nullptr, 0);
+    if (!sample || IsShared(*sample)) result = GetDeliveryBuffer(sample.Put(), nullptr, nullptr, 0);
     if (SUCCEEDED(result)) result = sample->GetPointer(&data);
     if (FAILED(result)) break;
     const size_t room = std::min(buffer_frames_, static_cast<size_t>(sample->GetSize()) / frame_bytes);

@@ -8,6 +8,7 @@
 
 #include <dshow.h>
 
+#include <atomic>
 #include <string>
 #include <thread>
 
@@ -43,6 +44,7 @@ class SourcePin final : public directshow::OutputPin {
   directshow::BaseFilter& owner_;
   SampleSource& input_;
   const size_t buffer_frames_;
+  std::atomic<bool> is_stopping_{false};
   std::string error_;  // written by the streaming thread, which Inactive ends
   std::thread thread_;
 };

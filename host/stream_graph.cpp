@@ -25,11 +25,18 @@ ComPtr<IPin> FindPin(IBaseFilter& filter, PIN_DIRECTION wanted) {
 
 }  // namespace
 
+ComPtr<IGraphBuilder> CreateFilterGraph() {
+  ComPtr<IGraphBuilder> graph;
+  Check(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IGraphBuilder), graph.PutVoid()),
+        "the platform makes no filter graph");
+  return graph;
+}
+
 StreamGraph::StreamGraph(SampleSource& input, SampleSink& output, std::span<const EffectInstance> chain,
                          size_t buffer_frames, Pace pace)
-    : source_(new SourceFilter(input, buffer_frames)), writer_(new WriterFilter(output)) {
-  Check(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IGraphBuilder), builder_.PutVoid()),
-        "the platform makes no filter graph");
+    : source_(new SourceFilter(input, buffer_frames)),
+      writer_(new WriterFilter(output)),
+      builder_(CreateFilterGraph()) {
   control_ = Query<IMediaControl>(builder_.Get());
   builder_->QueryInterface(IID_IMediaEvent, events_.PutVoid());
   const auto clock = Query<IMediaFilter>(builder_.Get());

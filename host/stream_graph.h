@@ -21,6 +21,10 @@ enum class Pace {
   kRealTime,   // by the graph's own clock
 };
 
+// One of the platform's, empty. Throws a Failure. The first of a process takes Wine up to a quarter of a second, which
+// loads what graphs need and makes the process's first window.
+directshow::ComPtr<IGraphBuilder> CreateFilterGraph();
+
 class StreamGraph {
  public:
   // Throws a Failure. The ends outlive the graph, the effects stay when it goes.
@@ -41,7 +45,7 @@ class StreamGraph {
 
   const directshow::ComPtr<SourceFilter> source_;
   const directshow::ComPtr<WriterFilter> writer_;
-  directshow::ComPtr<IGraphBuilder> builder_;
+  const directshow::ComPtr<IGraphBuilder> builder_;
   directshow::ComPtr<IMediaControl> control_;
   directshow::ComPtr<IMediaEvent> events_;
   directshow::ComPtr<IBaseFilter> last_;
