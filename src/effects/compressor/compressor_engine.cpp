@@ -4,10 +4,11 @@
 #include <cstddef>
 #include <type_traits>
 
+#include "effects/compressor/compressor_kernel.h"
+
 namespace tervan {
 
-using compressor::NoMeter;
-using compressor::PeakMeter;
+using compressor::PeakLevels;
 
 namespace {
 
@@ -28,46 +29,49 @@ void CompressorEngine::Design(const CompressorSettings& settings, ProcessMode mo
   }
 }
 
-template <typename Codec, bool kSingle, typename Meter>
-void CompressorEngine::RunFrames(typename Codec::Sample* data, std::uint32_t frames, Meter& meter) {
+template <typename Codec, bool kSingle, bool kMetered>
+double CompressorEngine::RunFrames(typename Codec::Sample* data, std::uint32_t frames) {
   if (format().nChannels == 1) {
-    compressor::RunFrames<Codec, 1, false>(coefficients_, state_, data, frames, meter);
-  } else {
-    compressor::RunFrames<Codec, 2, kSingle>(coefficients_, state_, data, frames, meter);
+    const double least_gain = compressor::RunFrames<Codec, 1, false, kMetered>(coefficients_, state_, data, frames);
+    state_.hold_single = static_cast<float>(state_.hold);
+    return least_gain;
   }
+  const double least_gain = compressor::RunFrames<Codec, 2, kSingle, kMetered>(coefficients_, state_, data, frames);
   // A window that comes or goes switches between the two paths: the held level goes along, or a stale one would lift
   // the gain.
   if constexpr (kSingle) {
-    if (format().nChannels == 2) state_.hold = static_cast<double>(state_.hold_single);
+    state_.hold = static_cast<double>(state_.hold_single);
+  } else {
+    state_.hold_single = static_cast<float>(state_.hold);
   }
-  state_.hold_single = static_cast<float>(state_.hold);
+  return least_gain;
+}
+
+template <typename Codec>
+PeakLevels CompressorEngine::LevelsOf(const typename Codec::Sample* data, std::uint32_t frames) const {
+  return format().nChannels == 1 ? compressor::PeakLevelsOf<Codec, 1>(data, frames)
+                                 : compressor::PeakLevelsOf<Codec, 2>(data, frames);
 }
 
 template <typename Codec>
 void CompressorEngine::RunMetered(typename Codec::Sample* data, std::uint32_t frames, bool untouched) {
-  PeakMeter meter;
-  if (untouched) {
-    const std::size_t channels = format().nChannels;
-    for (std::size_t i = 0; i < frames * channels; ++i) meter.In<Codec>(i % channels, data[i]);
-    std::copy_n(meter.input, 2, meter.output);
-  } else {
-    RunFrames<Codec, false>(data, frames, meter);
-  }
-  Publish(meter);
+  const PeakLevels input = LevelsOf<Codec>(data, frames);
+  if (untouched) return Publish(input, input, compressor::kNoGainYet);
+  const double least_gain = RunFrames<Codec, false, true>(data, frames);
+  Publish(input, LevelsOf<Codec>(data, frames), least_gain);
 }
 
 // The pure compression: input gain, output gain and make-up divided out. The quotient of the smallest gain is the
 // smallest quotient.
-void CompressorEngine::Publish(const PeakMeter& meter) {
+void CompressorEngine::Publish(const PeakLevels& input, const PeakLevels& output, double least_gain) {
   const CompressorCoefficients& c = coefficients_;
-  const bool compressed = meter.least_gain != PeakMeter::kNoGainYet && c.out_gain != 0.0;
+  const bool compressed = least_gain != compressor::kNoGainYet && c.out_gain != 0.0;
   const std::size_t right = format().nChannels == 1 ? 0 : 1;
-  source().PublishMeters(
-      {.input_left = meter.input[0] * c.meter_in_gain,
-       .input_right = meter.input[right] * c.meter_in_gain,
-       .output_left = meter.output[0],
-       .output_right = meter.output[right],
-       .reduction = compressed ? std::min(meter.least_gain / c.in_gain, kGainLimit) / c.out_gain : 1.0});
+  source().PublishMeters({.input_left = input[0] * c.meter_in_gain,
+                          .input_right = input[right] * c.meter_in_gain,
+                          .output_left = output[0],
+                          .output_right = output[right],
+                          .reduction = compressed ? std::min(least_gain / c.in_gain, kGainLimit) / c.out_gain : 1.0});
 }
 
 template <typename Codec>
@@ -75,8 +79,7 @@ void CompressorEngine::Run(typename Codec::Sample* data, std::uint32_t frames) {
   if constexpr (std::is_same_v<Codec, Float32Codec>) {
     const bool untouched = coefficients_.unity || coefficients_.bypass;
     if (source().IsWatched()) return RunMetered<Codec>(data, frames, untouched);
-    NoMeter meter;
-    if (!untouched) RunFrames<Codec, true>(data, frames, meter);
+    if (!untouched) RunFrames<Codec, true, false>(data, frames);
   } else {
     RunMetered<Codec>(data, frames, coefficients_.bypass);
   }

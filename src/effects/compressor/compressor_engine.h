@@ -4,9 +4,10 @@
 #include <cstdint>
 
 #include "effects/compressor/compressor_coefficients.h"
-#include "effects/compressor/compressor_kernel.h"
 #include "effects/compressor/compressor_meters.h"
+#include "effects/compressor/compressor_plain.h"
 #include "effects/compressor/compressor_settings.h"
+#include "effects/compressor/peak_levels.h"
 #include "shell/automated_engine.h"
 
 namespace tervan {
@@ -40,9 +41,12 @@ class CompressorEngine final : public AutomatedEngine<CompressorEngine, Compress
 
   template <typename Codec>
   void RunMetered(typename Codec::Sample* data, std::uint32_t frames, bool untouched);
-  template <typename Codec, bool kSingle, typename Meter>
-  void RunFrames(typename Codec::Sample* data, std::uint32_t frames, Meter& meter);
-  void Publish(const compressor::PeakMeter& meter);
+  // The smallest gain, if kMetered.
+  template <typename Codec, bool kSingle, bool kMetered>
+  double RunFrames(typename Codec::Sample* data, std::uint32_t frames);
+  template <typename Codec>
+  compressor::PeakLevels LevelsOf(const typename Codec::Sample* data, std::uint32_t frames) const;
+  void Publish(const compressor::PeakLevels& input, const compressor::PeakLevels& output, double least_gain);
 
   CompressorCoefficients coefficients_;
   compressor::State state_;

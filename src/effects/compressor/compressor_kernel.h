@@ -1,139 +1,251 @@
-// The compressor's frame loop, in separate steps: level detector with valley fill, gain computer with peak hold, gain
-// smoothing, metering.
+// The compressor's fast routine: bit for bit what the plain one computes (the formulas stand there).
 //
-// Per frame, with the level p = max |x| over its channels:
+// Two recurrences run from frame to frame, the valley v = b v' + a p and the gain g = k g' + (1 - k) t. Each is a
+// multiplication and an addition, 6 cycles on current processors; side by side they bound a frame to 6 cycles, and to
+// 15 with the low-pass behind the gain. To get near that:
 //
-//   valley fill     v = b v' + a p;  d = v - v';  L = p + max(d, 0)
-//   gain computer   t = r + offset while the held level is above the threshold, where r = numerator / level,
-//                   t = gain_below otherwise
-//   smoothing       g = k g' + (1 - k) t,  k the attack's or the release's coefficient
-//   low-pass        y = A g + B y';  g = y + y'                              ("smooth saturation" only)
-//   output          x g
+// - No mask lies on a recurrence: attack or release and the floor of the valley are branches, which predict well.
+// - Frames are taken in groups of four. Most groups are quiet: no frame can reach the held level. The peaks and one
+//   bound on the valley tell, without waiting for the recurrences. A quiet group needs no filled levels, and its target
+//   stands still or follows the decay of the hold: nothing to compare, nothing to divide.
+// - What does not happen to music, levels or gains beyond all measure, is left to the plain routine.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <type_traits>
 
 #include "effects/compressor/compressor_coefficients.h"
-#include "effects/dynamics/frame_level.h"
-#include "shell/sample_codec.h"
+#include "effects/compressor/compressor_plain.h"
+#include "shell/frame_codec.h"
 
 namespace tervan::compressor {
 
-// First-order bilinear high-pass, 50 Hz at 44100 Hz, used at every rate.
-inline constexpr dynamics::ValleyFilter kValleyFilter{.in = -0.99645073068706, .feedback = 0.99290146137413};
+inline constexpr std::uint32_t kGroupFrames = 4;
 
-inline constexpr double kHoldDecay = 0.999;  // of the held level, per frame
-inline constexpr double kHoldGrowth = 1.0 / kHoldDecay;
-inline constexpr float kHoldDecaySingle = 0.999f;
+// Below what a hold decays to in a group, 0.999^4 = 0.996006, rounding included.
+inline constexpr double kGroupDecay = 0.9959;
 
-// A gain that fades to silence ends at 0: subnormals would make every frame several times as expensive.
-inline constexpr double kLeastGain = std::numeric_limits<double>::min();
+// In a group without peaks above M, a filled level p + rise = (1 + a) p - (1 - b) v' stays below M as long as
+// v' > -140 M, for 1 + a = 0.0036 and 1 - b = 0.0071. Within the group v sinks by less than 4 M.
+inline constexpr double kQuietValley = -136.0;
 
-// What the loop carries from frame to frame.
-struct State {
-  double gain = 0.0;       // applied to the last frame
-  double hold = 0.0;       // decaying peak hold of the level
-  double reduction = 0.0;  // numerator / the level in force
-  double valley = 0.0;
-  double low_pass = 0.0;
-  float hold_single = 0.0f;  // the hold of the single-precision path
+// A valley below this does not reach the floor in a group: b^4 = 0.972.
+inline constexpr double kDeepValley = -1.05 * kStateFloor;
+
+// Levels up to here and gains from here keep far from all limits: the gain of such a level cannot fade to nothing.
+inline constexpr double kTameLevel = 1e30;
+inline constexpr double kTameGain = 1e-200;
+
+// The peaks of a group's frames, two by two. A NaN counts as 0: _mm_max_pd takes its second operand then.
+template <typename Codec, std::size_t kChannels>
+struct GroupPeaks {
+  static void Load(const typename Codec::Sample* samples, __m128d (&peaks)[2]) noexcept {
+    for (__m128d& pair : peaks) {
+      const __m128d sign = _mm_set1_pd(-0.0);
+      const __m128d first = _mm_andnot_pd(sign, FrameCodec<Codec, kChannels>::Load(samples));
+      const __m128d second = _mm_andnot_pd(sign, FrameCodec<Codec, kChannels>::Load(samples + kChannels));
+      pair = _mm_max_pd(_mm_unpacklo_pd(first, second), _mm_setzero_pd());
+      if constexpr (kChannels == 2) pair = _mm_max_pd(_mm_unpackhi_pd(first, second), pair);
+      samples += 2 * kChannels;
+    }
+  }
 };
 
-// Target gain for a level. Level and Hold are double, or float for the single-precision path.
-template <typename Level>
-inline double TargetGain(const CompressorCoefficients& c, Level level, Level threshold, Level decay, Level& hold,
-                         double& reduction) noexcept {
-  if (level > hold) {
-    hold = level;
-    if (!(level > threshold)) return c.gain_below;
-    reduction = c.numerator / static_cast<double>(level);
-    hold = decay * level;
-    return reduction + c.offset;
+// The same with half the work.
+template <>
+struct GroupPeaks<Float32Codec, 2> {
+  static void Load(const float* samples, __m128d (&peaks)[2]) noexcept {
+    const __m128 sign = _mm_set1_ps(-0.0f);
+    const __m128 first = _mm_max_ps(_mm_andnot_ps(sign, _mm_loadu_ps(samples)), _mm_setzero_ps());
+    const __m128 second = _mm_max_ps(_mm_andnot_ps(sign, _mm_loadu_ps(samples + 4)), _mm_setzero_ps());
+    const __m128 all = _mm_max_ps(_mm_shuffle_ps(first, second, _MM_SHUFFLE(2, 0, 2, 0)),
+                                  _mm_shuffle_ps(first, second, _MM_SHUFFLE(3, 1, 3, 1)));
+    peaks[0] = _mm_cvtps_pd(all);
+    peaks[1] = _mm_cvtps_pd(_mm_movehl_ps(all, all));
   }
-  if (!(hold > threshold)) return c.gain_below;
-  reduction *= kHoldGrowth;
-  hold *= decay;
-  return reduction + c.offset;
-}
-
-inline double SmoothedGain(const CompressorCoefficients& c, double gain, double target, double& low_pass) noexcept {
-  gain =
-      target < gain ? c.attack * gain + c.attack_complement * target : c.release * gain + c.release_complement * target;
-  if (c.smooth) gain = dynamics::LowPassed(gain, low_pass);
-  if (gain < kLeastGain) [[unlikely]]
-    gain = 0.0;
-  return gain;
-}
-
-// The largest magnitude that a meter shows for a sample, full scale 1.0. Samples that are not finite do not count.
-template <typename Codec>
-double MeterLevel(typename Codec::Sample sample) noexcept {
-  const double level = std::fabs(Codec::Decode(sample));
-  if constexpr (std::is_same_v<Codec, Pcm16Codec>) return std::min(level, 32767.0 / 32768.0);
-  return level <= dynamics::kLevelLimit<typename Codec::Sample> ? level : 0.0;
-}
-
-// Metering of the loop: peaks of channels 0 and 1 before and after, and the smallest gain.
-struct PeakMeter {
-  static constexpr double kNoGainYet = std::numeric_limits<double>::infinity();
-  double input[2] = {0.0, 0.0};
-  double output[2] = {0.0, 0.0};
-  double least_gain = kNoGainYet;
-
-  template <typename Codec>
-  void In(std::size_t channel, typename Codec::Sample sample) noexcept {
-    input[channel] = std::max(input[channel], MeterLevel<Codec>(sample));
-  }
-  template <typename Codec>
-  void Out(std::size_t channel, typename Codec::Sample sample) noexcept {
-    output[channel] = std::max(output[channel], MeterLevel<Codec>(sample));
-  }
-  void Gain(double gain) noexcept { least_gain = std::min(least_gain, gain); }
 };
 
-struct NoMeter {
-  template <typename Codec>
-  void In(std::size_t, typename Codec::Sample) noexcept {}
-  template <typename Codec>
-  void Out(std::size_t, typename Codec::Sample) noexcept {}
-  void Gain(double) noexcept {}
+// The valley of a group's frames before each frame, floored, and after it.
+struct ValleySteps {
+  double before[kGroupFrames];
+  double after[kGroupFrames];
 };
 
-// frames × kChannels interleaved samples, in place. The state lives in locals meanwhile.
-// kSingle: level, hold and threshold in single precision, which is allowed to differ in the last bits.
-template <typename Codec, std::size_t kChannels, bool kSingle, typename Meter>
-void RunFrames(const CompressorCoefficients& coefficients, State& state, typename Codec::Sample* samples,
-               std::uint32_t frames, Meter& meter_out) noexcept {
-  const CompressorCoefficients c = coefficients;
-  const auto threshold_single = static_cast<float>(c.threshold_in);
-  State s = state;
-  Meter meter = meter_out;
-  for (std::uint32_t frame = 0; frame < frames; ++frame, samples += kChannels) {
-    double x[kChannels];
-    for (std::size_t channel = 0; channel < kChannels; ++channel) meter.template In<Codec>(channel, samples[channel]);
-    const double peak = dynamics::DecodeFrame<Codec>(samples, x);
-    const double level = dynamics::FilledLevel(kValleyFilter, peak, s.valley);
-    double target;
-    if constexpr (kSingle) {
-      target = TargetGain(c, static_cast<float>(level), threshold_single, kHoldDecaySingle, s.hold_single, s.reduction);
+// A group at a time. Coefficients and state are copies, which the compiler keeps in registers. Level is the hold's
+// type: float for the single-precision path.
+template <typename Codec, std::size_t kChannels, typename Level, bool kSmooth, bool kMetered>
+class Kernel {
+ public:
+  using Sample = typename Codec::Sample;
+
+  Kernel(const CompressorCoefficients& coefficients, const State& state) noexcept
+      : c_(coefficients), threshold_(static_cast<Level>(coefficients.threshold_in)), s_(state) {}
+
+  const State& state() const noexcept { return s_; }
+  double least_gain() const noexcept { return least_gain_; }
+
+  // Whether this routine is for such coefficients and such a state. It stays so until Process says otherwise.
+  bool IsTame() const noexcept {
+    const double least_target = std::min(c_.gain_below, c_.offset + c_.numerator / kTameLevel);
+    return std::min(s_.gain, least_target) >= kTameGain && Hold() <= kTameLevel &&
+           s_.valley >= kQuietValley * kTameLevel;
+  }
+
+  // A group in place. False: it is not for this routine, and nothing has changed.
+  [[gnu::always_inline]] bool Process(Sample* samples) noexcept {
+    __m128d peaks[2];
+    GroupPeaks<Codec, kChannels>::Load(samples, peaks);
+    double targets[kGroupFrames];
+    if (IsQuiet(peaks)) [[likely]] {
+      StepValley(peaks);
+      SetQuietTargets(targets);
+    } else if (AnyAbove(peaks, kTameLevel)) [[unlikely]] {
+      return false;
     } else {
-      target = TargetGain(c, level, c.threshold_in, kHoldDecay, s.hold, s.reduction);
+      SetTargets(peaks, targets);
     }
-    s.gain = SmoothedGain(c, s.gain, target, s.low_pass);
-    meter.Gain(s.gain);
+#pragma GCC unroll 4
+    for (std::uint32_t i = 0; i < kGroupFrames; ++i, samples += kChannels) {
+      SmoothGain(targets[i]);
+      using Frame = FrameCodec<Codec, kChannels>;
+      Frame::Store(samples, _mm_mul_pd(Frame::Load(samples), _mm_set1_pd(s_.gain)));
+    }
+    return true;
+  }
 
-    for (std::size_t channel = 0; channel < kChannels; ++channel) {
-      samples[channel] = Codec::Encode(x[channel] * s.gain);
-      meter.template Out<Codec>(channel, samples[channel]);
+ private:
+  static constexpr bool kSingle = std::is_same_v<Level, float>;
+  static constexpr Level kDecay = kSingle ? static_cast<Level>(kHoldDecaySingle) : static_cast<Level>(kHoldDecay);
+
+  Level Hold() const noexcept { return const_cast<Kernel*>(this)->Hold(); }
+  Level& Hold() noexcept {
+    if constexpr (kSingle) {
+      return s_.hold_single;
+    } else {
+      return s_.hold;
     }
   }
-  state = s;
-  meter_out = meter;
+
+  static bool AnyAbove(const __m128d (&peaks)[2], double level) noexcept {
+    return _mm_movemask_pd(_mm_cmpgt_pd(_mm_max_pd(peaks[0], peaks[1]), _mm_set1_pd(level))) != 0;
+  }
+
+  // No frame can reach the held level, and that stays on its side of the threshold.
+  bool IsQuiet(const __m128d (&peaks)[2]) const noexcept {
+    Level limit = Hold();
+    if (limit > threshold_) {
+      limit *= static_cast<Level>(kGroupDecay);
+      if (!(limit > threshold_)) return false;
+    }
+    const auto level = static_cast<double>(limit);
+    return !AnyAbove(peaks, level) && s_.valley >= kQuietValley * level;
+  }
+
+  template <bool kFloored>
+  ValleySteps StepValley(const double (&inputs)[kGroupFrames]) noexcept {
+    ValleySteps steps;
+#pragma GCC unroll 4
+    for (std::uint32_t i = 0; i < kGroupFrames; ++i) {
+      if constexpr (kFloored) {
+        if (s_.valley > -kStateFloor) [[unlikely]]
+          s_.valley = 0.0;
+      }
+      steps.before[i] = s_.valley;
+      s_.valley = kValleyFilter.feedback * s_.valley + inputs[i];
+      steps.after[i] = s_.valley;
+    }
+    return steps;
+  }
+
+  ValleySteps StepValley(const __m128d (&peaks)[2]) noexcept {
+    const __m128d first = _mm_mul_pd(peaks[0], _mm_set1_pd(kValleyFilter.in));
+    const __m128d second = _mm_mul_pd(peaks[1], _mm_set1_pd(kValleyFilter.in));
+    const double inputs[] = {Low(first), High(first), Low(second), High(second)};
+    if (s_.valley < kDeepValley) [[likely]]
+      return StepValley<false>(inputs);
+    return StepValley<true>(inputs);
+  }
+
+  void SetQuietTargets(double (&targets)[kGroupFrames]) noexcept {
+    if (Hold() > threshold_) {
+#pragma GCC unroll 4
+      for (double& target : targets) {
+        s_.reduction *= kHoldGrowth;
+        Hold() *= kDecay;
+        target = s_.reduction + c_.offset;
+      }
+    } else {
+#pragma GCC unroll 4
+      for (double& target : targets) target = c_.gain_below;
+    }
+  }
+
+  void SetTargets(const __m128d (&peaks)[2], double (&targets)[kGroupFrames]) noexcept {
+    const ValleySteps steps = StepValley(peaks);
+#pragma GCC unroll 4
+    for (std::uint32_t i = 0; i < kGroupFrames; i += 2) {
+      const __m128d rises =
+          _mm_sub_pd(_mm_set_pd(steps.after[i + 1], steps.after[i]), _mm_set_pd(steps.before[i + 1], steps.before[i]));
+      const __m128d levels = _mm_add_pd(peaks[i / 2], _mm_max_pd(rises, _mm_setzero_pd()));
+      targets[i] = TargetGain(c_, static_cast<Level>(Low(levels)), threshold_, kDecay, Hold(), s_.reduction);
+      targets[i + 1] = TargetGain(c_, static_cast<Level>(High(levels)), threshold_, kDecay, Hold(), s_.reduction);
+    }
+  }
+
+  void SmoothGain(double target) noexcept {
+    if (target < s_.gain) {
+      s_.gain = c_.attack * s_.gain + c_.attack_complement * target;
+    } else {
+      s_.gain = c_.release * s_.gain + c_.release_complement * target;
+    }
+    if constexpr (kSmooth) {
+      s_.gain = dynamics::LowPassed(s_.gain, s_.low_pass);
+      // Behind a low-pass that the floor keeps at 0, a gain can fade in spite of its target.
+      if (s_.gain < kLeastGain) [[unlikely]]
+        s_.gain = 0.0;
+    }
+    if constexpr (kMetered) least_gain_ = std::min(least_gain_, s_.gain);
+  }
+
+  static double Low(__m128d x) noexcept { return _mm_cvtsd_f64(x); }
+  static double High(__m128d x) noexcept { return _mm_cvtsd_f64(_mm_unpackhi_pd(x, x)); }
+
+  const CompressorCoefficients c_;
+  const Level threshold_;
+  State s_;
+  double least_gain_ = kNoGainYet;
+};
+
+// frames × kChannels interleaved samples, in place; the smallest gain if kMetered. What is not tame and what is left
+// over of the last group goes through the plain routine.
+template <typename Codec, std::size_t kChannels, typename Level, bool kSmooth, bool kMetered>
+double RunGroups(const CompressorCoefficients& coefficients, State& state, typename Codec::Sample* samples,
+                 std::uint32_t frames) noexcept {
+  Kernel<Codec, kChannels, Level, kSmooth, kMetered> kernel(coefficients, state);
+  std::uint32_t done = 0;
+  if (kernel.IsTame()) {
+    while (frames - done >= kGroupFrames && kernel.Process(samples + std::size_t{done} * kChannels)) {
+      done += kGroupFrames;
+    }
+  }
+  state = kernel.state();
+  LeastGainMeter meter{kernel.least_gain()};
+  RunPlain<Codec, kChannels, std::is_same_v<Level, float>>(coefficients, state, samples + std::size_t{done} * kChannels,
+                                                           frames - done, meter);
+  return meter.least_gain;
+}
+
+template <typename Codec, std::size_t kChannels, bool kSingle, bool kMetered>
+double RunFrames(const CompressorCoefficients& coefficients, State& state, typename Codec::Sample* samples,
+                 std::uint32_t frames) noexcept {
+  using Level = std::conditional_t<kSingle, float, double>;
+  return coefficients.smooth
+             ? RunGroups<Codec, kChannels, Level, true, kMetered>(coefficients, state, samples, frames)
+             : RunGroups<Codec, kChannels, Level, false, kMetered>(coefficients, state, samples, frames);
 }
 
 }  // namespace tervan::compressor
