@@ -5,10 +5,14 @@
 // 15 with the low-pass behind the gain. To get near that:
 //
 // - No mask lies on a recurrence: attack or release and the floor of the valley are branches, which predict well.
-// - Frames are taken in groups of four. Most groups are quiet: no frame can reach the held level. The peaks and one
-//   bound on the valley tell, without waiting for the recurrences. A quiet group needs no filled levels, and its target
+// - Frames are taken in groups of four. Most groups are quiet: no frame can reach the held level. The peaks and a bound
+//   on the valley tell, without waiting for the recurrences. A quiet group needs no filled levels, and its target
 //   stands still or follows the decay of the hold: nothing to compare, nothing to divide.
-// - What does not happen to music, levels or gains beyond all measure, is left to the plain routine.
+// - In most of the other groups all peaks are too high for a valley to be filled. They need not wait either.
+// - What does not happen to music, levels beyond all measure and gains that fade to nothing, is left to the plain
+//   routine.
+//
+// What must not come between: a function that is not inlined, which would put the state into memory.
 #pragma once
 
 #include <emmintrin.h>
@@ -33,6 +37,10 @@ inline constexpr double kGroupDecay = 0.9959;
 // v' > -140 M, for 1 + a = 0.0036 and 1 - b = 0.0071. Within the group v sinks by less than 4 M.
 inline constexpr double kQuietValley = -136.0;
 
+// A peak above this share of |v'| leaves nothing to fill: v - v' = (1 - b) |v'| + a p is not above 0, rounding
+// included.
+inline constexpr double kFullShare = 1.001 * (1.0 - kValleyFilter.feedback) / -kValleyFilter.in;
+
 // A valley below this does not reach the floor in a group: b^4 = 0.972.
 inline constexpr double kDeepValley = -1.05 * kStateFloor;
 
@@ -40,33 +48,66 @@ inline constexpr double kDeepValley = -1.05 * kStateFloor;
 inline constexpr double kTameLevel = 1e30;
 inline constexpr double kTameGain = 1e-200;
 
-// The peaks of a group's frames, two by two. A NaN counts as 0: _mm_max_pd takes its second operand then.
+// A group's frames, and their peaks two by two. A NaN counts as 0: of it and another operand, _mm_max_pd takes the
+// second.
 template <typename Codec, std::size_t kChannels>
-struct GroupPeaks {
-  static void Load(const typename Codec::Sample* samples, __m128d (&peaks)[2]) noexcept {
-    for (__m128d& pair : peaks) {
-      const __m128d sign = _mm_set1_pd(-0.0);
-      const __m128d first = _mm_andnot_pd(sign, FrameCodec<Codec, kChannels>::Load(samples));
-      const __m128d second = _mm_andnot_pd(sign, FrameCodec<Codec, kChannels>::Load(samples + kChannels));
-      pair = _mm_max_pd(_mm_unpacklo_pd(first, second), _mm_setzero_pd());
-      if constexpr (kChannels == 2) pair = _mm_max_pd(_mm_unpackhi_pd(first, second), pair);
-      samples += 2 * kChannels;
+class GroupInput {
+ public:
+  using Sample = typename Codec::Sample;
+
+  [[gnu::always_inline]] explicit GroupInput(const Sample* samples) noexcept : samples_(samples) {
+    if constexpr (kDecodesOnce) {
+#pragma GCC unroll 4
+      for (std::uint32_t i = 0; i < kGroupFrames; ++i) frames_[i] = Decoded(i);
+    }
+    if constexpr (std::is_same_v<Sample, float> && kChannels == 2) {
+      SetSinglePeaks();
+    } else {
+      SetPeaks();
     }
   }
-};
 
-// The same with half the work.
-template <>
-struct GroupPeaks<Float32Codec, 2> {
-  static void Load(const float* samples, __m128d (&peaks)[2]) noexcept {
+  [[gnu::always_inline]] __m128d Frame(std::uint32_t i) const noexcept {
+    if constexpr (kDecodesOnce) return frames_[i];
+    return Decoded(i);
+  }
+
+  __m128d peaks[kGroupFrames / 2];
+
+ private:
+  // Floats are cheaper to decode again than to keep: there are few registers.
+  static constexpr bool kDecodesOnce = !std::is_floating_point_v<Sample>;
+
+  [[gnu::always_inline]] __m128d Decoded(std::uint32_t i) const noexcept {
+    return FrameCodec<Codec, kChannels>::Load(samples_ + i * kChannels);
+  }
+
+  [[gnu::always_inline]] void SetPeaks() noexcept {
+    const __m128d sign = _mm_set1_pd(-0.0);
+#pragma GCC unroll 4
+    for (std::uint32_t i = 0; i < kGroupFrames; i += 2) {
+      const __m128d first = _mm_andnot_pd(sign, Frame(i));
+      const __m128d second = _mm_andnot_pd(sign, Frame(i + 1));
+      __m128d pair = _mm_unpacklo_pd(first, second);
+      if constexpr (std::is_floating_point_v<Sample>) pair = _mm_max_pd(pair, _mm_setzero_pd());
+      if constexpr (kChannels == 2) pair = _mm_max_pd(_mm_unpackhi_pd(first, second), pair);
+      peaks[i / 2] = pair;
+    }
+  }
+
+  // The same at half the cost.
+  [[gnu::always_inline]] void SetSinglePeaks() noexcept {
     const __m128 sign = _mm_set1_ps(-0.0f);
-    const __m128 first = _mm_max_ps(_mm_andnot_ps(sign, _mm_loadu_ps(samples)), _mm_setzero_ps());
-    const __m128 second = _mm_max_ps(_mm_andnot_ps(sign, _mm_loadu_ps(samples + 4)), _mm_setzero_ps());
+    const __m128 first = _mm_max_ps(_mm_andnot_ps(sign, _mm_loadu_ps(samples_)), _mm_setzero_ps());
+    const __m128 second = _mm_max_ps(_mm_andnot_ps(sign, _mm_loadu_ps(samples_ + 4)), _mm_setzero_ps());
     const __m128 all = _mm_max_ps(_mm_shuffle_ps(first, second, _MM_SHUFFLE(2, 0, 2, 0)),
                                   _mm_shuffle_ps(first, second, _MM_SHUFFLE(3, 1, 3, 1)));
     peaks[0] = _mm_cvtps_pd(all);
     peaks[1] = _mm_cvtps_pd(_mm_movehl_ps(all, all));
   }
+
+  const Sample* samples_;
+  __m128d frames_[kDecodesOnce ? kGroupFrames : 1];
 };
 
 // The valley of a group's frames before each frame, floored, and after it.
@@ -91,14 +132,14 @@ class Kernel {
   // Whether this routine is for such coefficients and such a state. It stays so until Process says otherwise.
   bool IsTame() const noexcept {
     const double least_target = std::min(c_.gain_below, c_.offset + c_.numerator / kTameLevel);
-    return std::min(s_.gain, least_target) >= kTameGain && Hold() <= kTameLevel &&
+    return std::min(s_.gain, least_target) >= kTameGain && static_cast<double>(Hold()) <= kTameLevel &&
            s_.valley >= kQuietValley * kTameLevel;
   }
 
   // A group in place. False: it is not for this routine, and nothing has changed.
   [[gnu::always_inline]] bool Process(Sample* samples) noexcept {
-    __m128d peaks[2];
-    GroupPeaks<Codec, kChannels>::Load(samples, peaks);
+    const GroupInput<Codec, kChannels> input(samples);
+    const __m128d(&peaks)[2] = input.peaks;
     double targets[kGroupFrames];
     if (IsQuiet(peaks)) [[likely]] {
       StepValley(peaks);
@@ -106,36 +147,37 @@ class Kernel {
     } else if (AnyAbove(peaks, kTameLevel)) [[unlikely]] {
       return false;
     } else {
-      SetTargets(peaks, targets);
+      SetLoudTargets(peaks, targets);
     }
 #pragma GCC unroll 4
     for (std::uint32_t i = 0; i < kGroupFrames; ++i, samples += kChannels) {
       SmoothGain(targets[i]);
       using Frame = FrameCodec<Codec, kChannels>;
-      Frame::Store(samples, _mm_mul_pd(Frame::Load(samples), _mm_set1_pd(s_.gain)));
+      Frame::Store(samples, _mm_mul_pd(input.Frame(i), _mm_set1_pd(s_.gain)));
     }
     return true;
   }
 
  private:
-  static constexpr bool kSingle = std::is_same_v<Level, float>;
-  static constexpr Level kDecay = kSingle ? static_cast<Level>(kHoldDecaySingle) : static_cast<Level>(kHoldDecay);
-
-  Level Hold() const noexcept { return const_cast<Kernel*>(this)->Hold(); }
-  Level& Hold() noexcept {
-    if constexpr (kSingle) {
-      return s_.hold_single;
+  static constexpr auto kHold = [] {
+    if constexpr (std::is_same_v<Level, float>) {
+      return &State::hold_single;
     } else {
-      return s_.hold;
+      return &State::hold;
     }
-  }
+  }();
+  static constexpr Level kDecay =
+      static_cast<Level>(std::is_same_v<Level, float> ? static_cast<double>(kHoldDecaySingle) : kHoldDecay);
+
+  Level Hold() const noexcept { return s_.*kHold; }
+  Level& Hold() noexcept { return s_.*kHold; }
 
   static bool AnyAbove(const __m128d (&peaks)[2], double level) noexcept {
     return _mm_movemask_pd(_mm_cmpgt_pd(_mm_max_pd(peaks[0], peaks[1]), _mm_set1_pd(level))) != 0;
   }
 
   // No frame can reach the held level, and that stays on its side of the threshold.
-  bool IsQuiet(const __m128d (&peaks)[2]) const noexcept {
+  [[gnu::always_inline]] bool IsQuiet(const __m128d (&peaks)[2]) const noexcept {
     Level limit = Hold();
     if (limit > threshold_) {
       limit *= static_cast<Level>(kGroupDecay);
@@ -146,7 +188,7 @@ class Kernel {
   }
 
   template <bool kFloored>
-  ValleySteps StepValley(const double (&inputs)[kGroupFrames]) noexcept {
+  [[gnu::always_inline]] ValleySteps StepValley(const double (&inputs)[kGroupFrames]) noexcept {
     ValleySteps steps;
 #pragma GCC unroll 4
     for (std::uint32_t i = 0; i < kGroupFrames; ++i) {
@@ -161,7 +203,7 @@ class Kernel {
     return steps;
   }
 
-  ValleySteps StepValley(const __m128d (&peaks)[2]) noexcept {
+  [[gnu::always_inline]] ValleySteps StepValley(const __m128d (&peaks)[2]) noexcept {
     const __m128d first = _mm_mul_pd(peaks[0], _mm_set1_pd(kValleyFilter.in));
     const __m128d second = _mm_mul_pd(peaks[1], _mm_set1_pd(kValleyFilter.in));
     const double inputs[] = {Low(first), High(first), Low(second), High(second)};
@@ -170,7 +212,7 @@ class Kernel {
     return StepValley<true>(inputs);
   }
 
-  void SetQuietTargets(double (&targets)[kGroupFrames]) noexcept {
+  [[gnu::always_inline]] void SetQuietTargets(double (&targets)[kGroupFrames]) noexcept {
     if (Hold() > threshold_) {
 #pragma GCC unroll 4
       for (double& target : targets) {
@@ -184,19 +226,39 @@ class Kernel {
     }
   }
 
-  void SetTargets(const __m128d (&peaks)[2], double (&targets)[kGroupFrames]) noexcept {
-    const ValleySteps steps = StepValley(peaks);
-#pragma GCC unroll 4
-    for (std::uint32_t i = 0; i < kGroupFrames; i += 2) {
-      const __m128d rises =
-          _mm_sub_pd(_mm_set_pd(steps.after[i + 1], steps.after[i]), _mm_set_pd(steps.before[i + 1], steps.before[i]));
-      const __m128d levels = _mm_add_pd(peaks[i / 2], _mm_max_pd(rises, _mm_setzero_pd()));
-      targets[i] = TargetGain(c_, static_cast<Level>(Low(levels)), threshold_, kDecay, Hold(), s_.reduction);
-      targets[i + 1] = TargetGain(c_, static_cast<Level>(High(levels)), threshold_, kDecay, Hold(), s_.reduction);
+  // Every level is the frame's peak.
+  [[gnu::always_inline]] bool IsFull(const __m128d (&peaks)[2]) const noexcept {
+    const __m128d least = _mm_min_pd(peaks[0], peaks[1]);
+    const __m128d most = _mm_max_pd(peaks[0], peaks[1]);
+    const double deepest = (kGroupFrames - 1) * std::max(Low(most), High(most)) - s_.valley;
+    return std::min(Low(least), High(least)) >= kFullShare * deepest;
+  }
+
+  [[gnu::always_inline]] void SetLoudTargets(const __m128d (&peaks)[2], double (&targets)[kGroupFrames]) noexcept {
+    if (IsFull(peaks)) {
+      StepValley(peaks);
+      SetTargets(peaks, targets);
+    } else {
+      const ValleySteps steps = StepValley(peaks);
+      __m128d levels[2];
+#pragma GCC unroll 2
+      for (std::uint32_t i = 0; i < 2; ++i) {
+        const __m128d rises = _mm_sub_pd(Pair(steps.after + 2 * i), Pair(steps.before + 2 * i));
+        levels[i] = _mm_add_pd(peaks[i], _mm_max_pd(rises, _mm_setzero_pd()));
+      }
+      SetTargets(levels, targets);
     }
   }
 
-  void SmoothGain(double target) noexcept {
+  [[gnu::always_inline]] void SetTargets(const __m128d (&levels)[2], double (&targets)[kGroupFrames]) noexcept {
+    const double all[] = {Low(levels[0]), High(levels[0]), Low(levels[1]), High(levels[1])};
+#pragma GCC unroll 4
+    for (std::uint32_t i = 0; i < kGroupFrames; ++i) {
+      targets[i] = TargetGain(c_, static_cast<Level>(all[i]), threshold_, kDecay, Hold(), s_.reduction);
+    }
+  }
+
+  [[gnu::always_inline]] void SmoothGain(double target) noexcept {
     if (target < s_.gain) {
       s_.gain = c_.attack * s_.gain + c_.attack_complement * target;
     } else {
@@ -211,6 +273,8 @@ class Kernel {
     if constexpr (kMetered) least_gain_ = std::min(least_gain_, s_.gain);
   }
 
+  // Of numbers in registers: loaded as a pair, they would have to be stored first.
+  static __m128d Pair(const double* x) noexcept { return _mm_set_pd(x[1], x[0]); }
   static double Low(__m128d x) noexcept { return _mm_cvtsd_f64(x); }
   static double High(__m128d x) noexcept { return _mm_cvtsd_f64(_mm_unpackhi_pd(x, x)); }
 
@@ -234,6 +298,7 @@ double RunGroups(const CompressorCoefficients& coefficients, State& state, typen
   }
   state = kernel.state();
   LeastGainMeter meter{kernel.least_gain()};
+  if (done == frames) return meter.least_gain;
   RunPlain<Codec, kChannels, std::is_same_v<Level, float>>(coefficients, state, samples + std::size_t{done} * kChannels,
                                                            frames - done, meter);
   return meter.least_gain;
