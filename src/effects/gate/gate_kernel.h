@@ -44,11 +44,12 @@ class StretchLoop {
         gain_(_mm_set1_pd(stretch.gain)),
         ramp_(_mm_set1_pd(stretch.ramp_frames)) {}
 
-  // Tells how many of the frames it has done; an odd one at the end is left.
-  std::uint32_t Run(State& s, Sample* samples, std::uint32_t frames) const noexcept {
+  // Tells how many of the frames it has done; an odd one at the end is left. Not inlined: the constants stay in memory,
+  // and the registers are left to the filters. A filter state in memory costs four cycles a frame.
+  [[gnu::noinline]] std::uint32_t Run(State& s, Sample* samples, std::uint32_t frames) const noexcept {
     if (frames < 2) return 0;
     __m128d filters = Halves(s.valley, s.low_pass);
-    __m128d position = Halves(s.ramp_frames, s.ramp_frames + 1.0);
+    __m128d position = Position(s);
     __m128d window_peaks = _mm_set1_pd(s.window_peak);
     std::uint32_t done = 0;
     Step step = Filter(samples, filters, position);
@@ -91,12 +92,18 @@ class StretchLoop {
     const __m128d low_pass_in = _mm_mul_pd(_mm_set1_pd(dynamics::kLowPassA), Gains(position));
     const __m128d first = _mm_add_pd(_mm_mul_pd(feedback_, filters), _mm_unpacklo_pd(valley_in, low_pass_in));
     const __m128d second = _mm_add_pd(_mm_mul_pd(feedback_, first), _mm_unpackhi_pd(valley_in, low_pass_in));
-    return {frames, peaks, first, second, _mm_add_pd(position, _mm_set1_pd(2.0))};
+    return {frames, peaks, first, second, NextPosition(position)};
   }
 
-  // Before the low-pass.
+  // On the ramp, of two frames; a gain that is steady is its own position.
+  __m128d Position(const State& s) const noexcept {
+    return kShape == GainShape::kSteady ? gain_ : Halves(s.ramp_frames, s.ramp_frames + 1.0);
+  }
+  static __m128d NextPosition(__m128d position) noexcept {
+    return kShape == GainShape::kSteady ? position : _mm_add_pd(position, _mm_set1_pd(2.0));
+  }
   __m128d Gains(__m128d position) const noexcept {
-    if constexpr (kShape == GainShape::kSteady) return gain_;
+    if constexpr (kShape == GainShape::kSteady) return position;
     return _mm_div_pd(kShape == GainShape::kRise ? position : _mm_sub_pd(ramp_, position), ramp_);
   }
 
