@@ -39,7 +39,7 @@ void Bench(const Options& options) {
                        .cases = cases,
                        .meter_window = meter_window.Get(),
                        .passes = options.quick ? 5 : 101,
-                       .graph_runs = options.quick ? 1 : 3,
+                       .graph_runs = options.quick ? 1 : 6,
                        .file_seconds = options.quick ? 10u : 60u};
   const LoadedModule loaded = ModuleOf(MakeEffect(module, cases.front()).Filter());
   JsonWriter json;

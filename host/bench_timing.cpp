@@ -4,10 +4,12 @@
 
 namespace tervan::host {
 
-void TakeTurns(std::span<Trial> trials, int passes) {
+void TakeTurns(std::span<CaseTrials> cases, int passes) {
   for (int pass = 0; pass < passes; ++pass) {
     ThrowIfInterrupted();
-    for (Trial& trial : trials) trial.least_s = std::min(trial.least_s, trial.pass());
+    for (CaseTrials& one : cases) {
+      for (Trial& trial : one.trials) trial.least_s = std::min(trial.least_s, trial.pass());
+    }
   }
 }
 

@@ -1,4 +1,5 @@
-// How the benchmark takes times: in turns, and the least counts.
+// How the benchmark takes times: in turns, and the least counts. What else the machine does can only make a pass
+// longer.
 #pragma once
 
 #include <algorithm>
@@ -6,6 +7,9 @@
 #include <functional>
 #include <limits>
 #include <span>
+#include <vector>
+
+#include "host/bench_cases.h"
 
 namespace tervan::host {
 
@@ -16,13 +20,20 @@ double SecondsOf(const Work& work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// One thing whose time is wanted. What else the machine does can only make a pass longer.
+// One thing whose time is wanted.
 struct Trial {
   std::function<double()> pass;  // does it once and gives the seconds that it took
   double least_s = std::numeric_limits<double>::infinity();
 };
 
-// Trials that are compared take turns, so that they meet the same machine. Throws a Failure when interrupted.
-void TakeTurns(std::span<Trial> trials, int passes);
+// The trials of a case are compared with each other.
+struct CaseTrials {
+  BenchCase bench_case;
+  std::vector<Trial> trials = {};
+};
+
+// Pass by pass, all trials of all cases take turns: those of one case meet the same machine, and a machine that is slow
+// for a while has been quick for all of them before or will be. Throws a Failure when interrupted.
+void TakeTurns(std::span<CaseTrials> cases, int passes);
 
 }  // namespace tervan::host

@@ -74,8 +74,8 @@ Trial MaterialTrial(const BenchPlan& plan, const BenchCase& bench_case, Material
 
 double NsPerFrame(const Trial& trial) { return trial.least_s * kNsPerSecond / kMaterialFrames; }
 
-// Instances in turn, a block each, until so many frames are done. Each has a buffer of its own, as tracks of a mix
-// have.
+// Instances in turn, a block each, until so many frames are done. Each has a buffer of its own and is elsewhere in the
+// material, as tracks of a mix are.
 class CrowdPass {
  public:
   static constexpr size_t kBlock = kBlockFrames[0];
@@ -84,30 +84,36 @@ class CrowdPass {
   CrowdPass(const BenchPlan& plan, const BenchCase& bench_case, size_t count)
       : tracks_(std::make_shared<std::deque<Track>>()),
         material_(MaterialOf(Material::kProgramme)),
-        buffers_(count * kBlock * kChannels) {
+        buffers_(count * kBlockSamples) {
     for (size_t i = 0; i < count; ++i) tracks_->emplace_back(plan, bench_case);
   }
 
   double operator()() {
     const size_t rounds = kFrames / kBlock / tracks_->size();
     return SecondsOf([this, rounds] {
-      for (size_t round = 0; round < rounds; ++round) Round(round * kBlock % kMaterialFrames);
+      for (size_t i = 0; i < rounds; ++i) Round();
     });
   }
 
  private:
-  void Round(size_t material_frame) {
-    float* buffer = buffers_.data();
-    for (Track& track : *tracks_) {
-      std::copy_n(&material_[material_frame * kChannels], kBlock * kChannels, buffer);
-      track.Process(buffer, kBlock);
-      buffer += kBlock * kChannels;
+  static constexpr size_t kBlockSamples = kBlock * kChannels;
+  static constexpr size_t kMaterialBlocks = kMaterialFrames / kBlock;
+
+  void Round() {
+    const size_t count = tracks_->size();
+    for (size_t i = 0; i < count; ++i) {
+      const size_t block = (round_ + i * kMaterialBlocks / count) % kMaterialBlocks;
+      float* const buffer = &buffers_[i * kBlockSamples];
+      std::copy_n(&material_[block * kBlockSamples], kBlockSamples, buffer);
+      (*tracks_)[i].Process(buffer, kBlock);
     }
+    ++round_;
   }
 
   std::shared_ptr<std::deque<Track>> tracks_;
   std::vector<float> material_;
   std::vector<float> buffers_;
+  size_t round_ = 0;
 };
 
 }  // namespace
@@ -119,12 +125,15 @@ BenchTable MeasurePlainBuffers(const BenchPlan& plan) {
                    .rows = {}};
   AddBlockColumns(table, "ns", "ns_per_frame", 2);
   AddBlockColumns(table, "x", "times_real_time", 0);
+  std::vector<CaseTrials> cases;
   for (const BenchCase& bench_case : plan.cases) {
-    std::vector<Trial> trials;
+    auto& trials = cases.emplace_back(CaseTrials{bench_case}).trials;
     for (const size_t frames : kBlockFrames) {
       trials.push_back(MaterialTrial(plan, bench_case, Material::kProgramme, frames));
     }
-    TakeTurns(trials, plan.passes);
+  }
+  TakeTurns(cases, plan.passes);
+  for (const auto& [bench_case, trials] : cases) {
     BenchRow& row = table.rows.emplace_back(BenchRow{bench_case, {}});
     for (const Trial& trial : trials) row.figures.push_back(NsPerFrame(trial));
     for (const Trial& trial : trials) row.figures.push_back(TimesRealTime(NsPerFrame(trial)));
@@ -142,12 +151,15 @@ BenchTable MeasureQuietInput(const BenchPlan& plan) {
                                {"subnormal", "subnormal_ns_per_frame", 2},
                                {"worse of the two to noise", "ratio_to_noise", 2}},
                    .rows = {}};
+  std::vector<CaseTrials> cases;
   for (const BenchCase& bench_case : plan.cases) {
-    std::vector<Trial> trials;
+    auto& trials = cases.emplace_back(CaseTrials{bench_case}).trials;
     for (const Material material : {Material::kProgramme, Material::kNoise, Material::kSilence, Material::kSubnormal}) {
       trials.push_back(MaterialTrial(plan, bench_case, material, kFrames));
     }
-    TakeTurns(trials, plan.passes);
+  }
+  TakeTurns(cases, plan.passes);
+  for (const auto& [bench_case, trials] : cases) {
     BenchRow& row = table.rows.emplace_back(BenchRow{bench_case, {}});
     for (const Trial& trial : trials) row.figures.push_back(NsPerFrame(trial));
     row.figures.push_back(std::max(row.figures[2], row.figures[3]) / row.figures[1]);
@@ -157,29 +169,32 @@ BenchTable MeasureQuietInput(const BenchPlan& plan) {
 
 BenchTable MeasureCalls(const BenchPlan& plan) {
   constexpr size_t kCalls = 500;
+  constexpr size_t kLengths[] = {1, 64};
   constexpr Automation kAutomations[] = {Automation::kNone, Automation::kHeld, Automation::kMoving};
   BenchTable table{
       .key = "calls",
       .title = "Calls of 1 and 64 frames, with all parameters automated but still, and with all moving: ns a call",
       .columns = {},
       .rows = {}};
-  constexpr size_t kLengths[] = {1, 64};
   for (const size_t frames : kLengths) {
     const std::string number = std::to_string(frames);
     table.columns.push_back({"none @" + number, "plain_ns_" + number, 0});
     table.columns.push_back({"still @" + number, "held_ns_" + number, 0});
     table.columns.push_back({"moving @" + number, "moving_ns_" + number, 0});
   }
+  std::vector<CaseTrials> cases;
   for (const BenchCase& bench_case : plan.cases) {
     if (!MakeEffect(plan.module, bench_case).As<IMediaParams>()) continue;
-    std::vector<Trial> trials;
+    auto& trials = cases.emplace_back(CaseTrials{bench_case}).trials;
     for (const size_t frames : kLengths) {
       for (const Automation automation : kAutomations) {
-        trials.push_back(
-            {BlockPass(std::make_shared<Track>(plan, bench_case, automation), Material::kProgramme, frames, kCalls)});
+        const auto track = std::make_shared<Track>(plan, bench_case, automation);
+        trials.push_back({BlockPass(track, Material::kProgramme, frames, kCalls)});
       }
     }
-    TakeTurns(trials, plan.passes);
+  }
+  TakeTurns(cases, plan.passes);
+  for (const auto& [bench_case, trials] : cases) {
     BenchRow& row = table.rows.emplace_back(BenchRow{bench_case, {}});
     for (const Trial& trial : trials) row.figures.push_back(trial.least_s * kNsPerSecond / kCalls);
   }
@@ -194,9 +209,13 @@ BenchTable MeasureCrowd(const BenchPlan& plan) {
                                {"hundred", "hundred_ns_per_frame", 2},
                                {"hundred to one", "ratio", 2}},
                    .rows = {}};
+  std::vector<CaseTrials> cases;
   for (const BenchCase& bench_case : plan.cases) {
-    Trial trials[] = {{CrowdPass(plan, bench_case, 1)}, {CrowdPass(plan, bench_case, kCrowd)}};
-    TakeTurns(trials, plan.passes);
+    auto& trials = cases.emplace_back(CaseTrials{bench_case}).trials;
+    for (const size_t count : {size_t{1}, kCrowd}) trials.push_back({CrowdPass(plan, bench_case, count)});
+  }
+  TakeTurns(cases, plan.passes);
+  for (const auto& [bench_case, trials] : cases) {
     const double one = trials[0].least_s * kNsPerSecond / CrowdPass::kFrames;
     const double hundred = trials[1].least_s * kNsPerSecond / CrowdPass::kFrames;
     table.rows.push_back({bench_case, {one, hundred, hundred / one}});

@@ -14,8 +14,7 @@
 namespace tervan::host {
 namespace {
 
-constexpr SampleType kTypes[] = {SampleType::kPcm16, SampleType::kFloat32};
-constexpr int kPassesPerRun = 5;
+constexpr int kPassesPerRun = 3;
 
 // Both ends of a stream. Takes the time from when a block leaves the one until it reaches the other, summed up over a
 // pass through the material. With the processor's own counter, as a block takes hardly longer than asking the platform
@@ -90,20 +89,23 @@ BenchTable MeasureFilter(const BenchPlan& plan) {
   AddBlockColumns(table, "ns", "ns_per_frame", 2);
   AddBlockColumns(table, "x", "times_real_time", 0);
   AddBlockColumns(table, "to f32", "ratio_to_float32", 2);
+  std::vector<CaseTrials> cases;
   for (const BenchCase& bench_case : plan.cases) {
+    auto& trials = cases.emplace_back(CaseTrials{bench_case}).trials;
     const HWND window = bench_case.is_watched ? plan.meter_window : nullptr;
-    std::vector<Trial> trials;
-    for (const SampleType type : kTypes) {
-      const auto effect = std::make_shared<EffectInstance>(MakeEffect(plan.module, bench_case));
-      for (const size_t frames : kBlockFrames) {
+    const auto effect = std::make_shared<EffectInstance>(MakeEffect(plan.module, bench_case));
+    for (const size_t frames : kBlockFrames) {
+      for (const SampleType type : {SampleType::kPcm16, SampleType::kFloat32}) {
         trials.push_back({[=] { return RunGraph(*effect, window, type, frames); }});
       }
     }
-    TakeTurns(trials, plan.graph_runs);
+  }
+  TakeTurns(cases, plan.graph_runs);
+  for (const auto& [bench_case, trials] : cases) {
     std::vector<double> figures;
-    for (size_t i = 0; i < kBlocks; ++i) figures.push_back(trials[i].least_s * kNsPerSecond / kMaterialFrames);
+    for (size_t i = 0; i < kBlocks; ++i) figures.push_back(trials[2 * i].least_s * kNsPerSecond / kMaterialFrames);
     for (size_t i = 0; i < kBlocks; ++i) figures.push_back(TimesRealTime(figures[i]));
-    for (size_t i = 0; i < kBlocks; ++i) figures.push_back(trials[i].least_s / trials[kBlocks + i].least_s);
+    for (size_t i = 0; i < kBlocks; ++i) figures.push_back(trials[2 * i].least_s / trials[2 * i + 1].least_s);
     table.rows.push_back({bench_case, figures});
   }
   return table;

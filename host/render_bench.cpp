@@ -34,13 +34,25 @@ class TemporaryFile {
   std::string path_;
 };
 
-void WriteMaterial(const std::string& path, SampleType type, size_t seconds) {
+// Gives its length.
+double WriteMaterial(const std::string& path, SampleType type, size_t seconds) {
   const AudioFormat format = kBenchFormat.With(type);
   const std::vector<std::uint8_t> bytes = ProgrammeAs(type);
   const size_t parts = seconds * format.rate_hz / kMaterialFrames;
   WavWriter writer(path, format, parts * kMaterialFrames, true);
   for (size_t i = 0; i < parts; ++i) writer.Write(bytes.data(), kMaterialFrames);
   writer.Finish();
+  return static_cast<double>(writer.Frames()) / format.rate_hz;
+}
+
+double RenderSeconds(const BenchPlan& plan, const BenchCase& bench_case, const TemporaryFile& input,
+                     const TemporaryFile& output) {
+  Options options;
+  options.effects = {ParseEffectRequest(bench_case.settings)};
+  options.output = output.Path();
+  options.force = true;
+  const RenderPlan render_plan{.options = options, .module = &plan.module, .meter_window = plan.meter_window};
+  return RenderFile(render_plan, input.Path()).elapsed_s;
 }
 
 }  // namespace
@@ -52,25 +64,18 @@ BenchTable MeasureRendering(const BenchPlan& plan) {
       .columns = {{"16-bit PCM", "pcm16_times_real_time", 0}, {"32-bit float", "float32_times_real_time", 0}},
       .rows = {}};
   const TemporaryFile pcm16, float32, output;
-  WriteMaterial(pcm16.Path(), SampleType::kPcm16, plan.file_seconds);
+  const double duration_s = WriteMaterial(pcm16.Path(), SampleType::kPcm16, plan.file_seconds);
   WriteMaterial(float32.Path(), SampleType::kFloat32, plan.file_seconds);
+  std::vector<CaseTrials> cases;
   for (const BenchCase& bench_case : plan.cases) {
     if (!bench_case.is_first) continue;
-    Options options;
-    options.effects = {ParseEffectRequest(bench_case.settings)};
-    options.output = output.Path();
-    options.force = true;
-    const RenderPlan render_plan{.options = options, .module = &plan.module, .meter_window = plan.meter_window};
-    std::vector<Trial> trials;
-    double duration_s = 0.0;
+    auto& trials = cases.emplace_back(CaseTrials{bench_case}).trials;
     for (const TemporaryFile* const input : {&pcm16, &float32}) {
-      trials.push_back({[&, input] {
-        const FileReport report = RenderFile(render_plan, input->Path());
-        duration_s = report.DurationS();
-        return report.elapsed_s;
-      }});
+      trials.push_back({[&, input] { return RenderSeconds(plan, bench_case, *input, output); }});
     }
-    TakeTurns(trials, kRuns);
+  }
+  TakeTurns(cases, kRuns);
+  for (const auto& [bench_case, trials] : cases) {
     table.rows.push_back({bench_case, {duration_s / trials[0].least_s, duration_s / trials[1].least_s}});
   }
   return table;
