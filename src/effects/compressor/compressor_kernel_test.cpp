@@ -3,12 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <random>
-#include <type_traits>
 #include <vector>
 
 #include "effects/compressor/compressor_test_settings.h"
@@ -21,21 +22,37 @@ namespace {
 
 using namespace tervan::testing;
 
-// Programme material, and in floats now and then what they may hold: alone, or to the end of a part.
+constexpr std::size_t kFrames = 4000;
+
+// A square wave in small steps up and down, now and then in large ones: levels that just reach what is held, and
+// valleys at every depth, down to their floor.
+std::vector<double> Staircase(std::size_t channels, std::mt19937& random) {
+  std::vector<double> signal(kFrames * channels);
+  double level = 0.0;
+  for (std::size_t i = 0; i < signal.size(); ++i) {
+    if (random() % 200 == 0) level = std::min(1.0, level * (0.96 + 0.0001 * static_cast<double>(random() % 600)));
+    if (i == 0 || random() % 2000 == 0) level = std::exp2(-static_cast<double>(random() % 8 * (random() % 8)));
+    signal[i] = i % 2 == 0 ? level : -level;
+  }
+  return signal;
+}
+
+// In floats there is also what they may hold, alone or for a while.
 template <typename Sample>
 std::vector<Sample> HostileSamples(std::size_t channels, std::uint32_t seed) {
-  std::vector<Sample> samples = SamplesOf<Sample>(Programme(4000, channels, 400, seed));
+  std::mt19937 random(seed);
+  auto samples =
+      SamplesOf<Sample>(seed % 2 == 0 ? Programme(kFrames, channels, 400, seed) : Staircase(channels, random));
   using Limits = std::numeric_limits<Sample>;
   if constexpr (!Limits::is_integer) {
-    const Sample kHostile[] = {Limits::quiet_NaN(), Limits::infinity(),   Limits::max(),  Sample(-1e37), Sample(-1e20),
-                               Sample(-1e-9),       Limits::denorm_min(), -Limits::min(), Sample(-0.0),  Sample(1e30)};
-    std::mt19937 random(seed);
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-      if (random() % 400 != 0) continue;
-      const std::size_t end = random() % 4 == 0 ? i + random() % 300 : i + 1;
-      for (const Sample hostile = kHostile[random() % std::size(kHostile)]; i < end && i < samples.size(); ++i) {
-        samples[i] = hostile;
-      }
+    constexpr Sample kHostile[] = {Limits::quiet_NaN(), Limits::infinity(),   Limits::max(),
+                                   -Limits::min(),      Limits::denorm_min(), Sample(-2e37),
+                                   Sample(1e20),        Sample(-1e-9),        Sample(-0.0)};
+    for (std::size_t i = seed % 3 == 0 ? 0 : samples.size(); i < samples.size(); ++i) {
+      if (random() % 1000 != 0) continue;
+      const Sample hostile = kHostile[random() % std::size(kHostile)];
+      const std::size_t run = random() % 2 == 0 ? 1 : random() % 300;
+      std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(i), std::min(run, samples.size() - i), hostile);
     }
   }
   return samples;
@@ -53,7 +70,7 @@ void ExpectEqualsPlain(const CompressorCoefficients& c, std::uint32_t seed) {
   using Sample = typename Codec::Sample;
   std::vector<Sample> expected = HostileSamples<Sample>(kChannels, seed);
   std::vector<Sample> actual = expected;
-  State expected_state{.gain = c.start_gain, .low_pass = dynamics::kLowPassStart};
+  State expected_state{.gain = 1.0, .low_pass = dynamics::kLowPassStart};
   State state = expected_state;
   std::size_t at = 0;
   for (std::size_t block = 0; at < actual.size(); ++block) {
@@ -85,7 +102,9 @@ using Codecs = ::testing::Types<Pcm8Codec, Pcm16Codec, Pcm32Codec, Float32Codec,
 TYPED_TEST_SUITE(CompressorKernel, Codecs);
 
 TYPED_TEST(CompressorKernel, EqualsThePlainRoutineInEveryBit) {
-  const std::vector<CompressorSettings> all = ManySettings();
+  std::vector<CompressorSettings> all = ManySettings();
+  all[0] = {0, -60, -30, 4, 0, 0, 0, 0, 0, 0};       // fades out
+  all[3] = {0, -59, -59, 50, 0, 1e30f, 0, 1, 0, 0};  // fades behind the low-pass, at levels of 1e20
   for (std::uint32_t i = 0; i < all.size(); ++i) {
     SCOPED_TRACE(i);
     const CompressorCoefficients c = DesignCompressor(all[i], i % 3 == 0 ? 8000 : 44100);
