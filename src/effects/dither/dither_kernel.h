@@ -28,12 +28,13 @@
 #include <cstring>
 #include <type_traits>
 
+#include "effects/dither/dither_flat.h"
 #include "effects/dither/dither_noise_reader.h"
 #include "effects/dither/dither_plain.h"
 #include "effects/dither/dither_state.h"
 #include "shell/frame_codec.h"
 #include "shell/sample_codec.h"
-#include "support/round_to_nearest.h"
+#include "support/simd_level.h"
 #include "support/state_floor.h"
 
 namespace tervan::dither_kernel {
@@ -42,45 +43,13 @@ namespace tervan::dither_kernel {
 template <typename Codec>
 inline constexpr bool kIsFrameByFrame = std::is_integral_v<typename Codec::Sample>;
 
-inline __m128d Magnitude(__m128d y) noexcept { return _mm_andnot_pd(_mm_set1_pd(-0.0), y); }
-
-struct Errors {
-  __m128d a, b;
-};
-
-template <typename Codec, std::size_t kChannels>
-class FlatRun {
- public:
-  using Plain = dither_plain::Flat;
-
-  FlatRun(const DitherState& state, const Errors& errors) noexcept
-      : errors_(errors),
-        scale_(_mm_set1_pd(state.scale * kUnit)),
-        inverse_scale_(_mm_set1_pd(state.inverse_scale / kUnit)) {}
-
-  [[gnu::always_inline]] void Step(typename Codec::Sample* frame, __m128d noise) noexcept {
-    using Frame = FrameCodec<Codec, kChannels>;
-    const __m128d no_fraction = _mm_set1_pd(kNoFraction * kUnit);
-    const __m128d y = _mm_mul_pd(_mm_add_pd(Frame::Load(frame), noise), scale_);
-    const __m128d q = _mm_sub_pd(_mm_add_pd(y, no_fraction), no_fraction);
-    Frame::Store(frame, _mm_mul_pd(q, inverse_scale_));
-    any_y_ = _mm_or_pd(any_y_, y);
-  }
-
-  bool IsRight() const noexcept {
-    const __m128i top_exponent_bits = _mm_slli_epi64(_mm_castpd_si128(any_y_), 1);
-    return _mm_movemask_pd(_mm_castsi128_pd(top_exponent_bits)) == 0;
-  }
-  Errors LeftErrors() const noexcept { return errors_; }
-
- private:
-  // LSB are counted so that the top bit of an exponent, set from 2.0 on, tells numbers beyond 30 bits.
-  static constexpr double kUnit = 0x1p-29;
-
-  const Errors errors_;
-  const __m128d scale_, inverse_scale_;
-  __m128d any_y_ = _mm_setzero_pd();
-};
+inline __m128d IsBelow(__m128d error, double floor) noexcept {
+  return _mm_cmplt_pd(_mm_andnot_pd(_mm_set1_pd(-0.0), error), _mm_set1_pd(floor));
+}
+inline Errors Flushed(const Errors& errors) noexcept {
+  return {_mm_andnot_pd(IsBelow(errors.a, kStateFloor), errors.a),
+          _mm_andnot_pd(IsBelow(errors.b, kStateFloor), errors.b)};
+}
 
 template <typename Codec, std::size_t kChannels, bool kSecondOrder>
 class ShapedRun {
@@ -119,13 +88,14 @@ class ShapedRun {
   }
 
   bool IsRight() const noexcept {
-    __m128i wrong = _mm_or_si128(differing_, _mm_srli_epi64(above_lowest_, 32));
-    if constexpr (kIsFrameByFrame<Codec>) {
-      wrong = _mm_or_si128(wrong, _mm_castpd_si128(_mm_or_pd(tiny_, IsTiny(LeftErrors().a))));
-    }
+    const __m128i off = _mm_or_si128(differing_, _mm_srli_epi64(above_lowest_, 32));
+    const __m128i wrong = _mm_or_si128(off, _mm_castpd_si128(tiny_));
     return _mm_movemask_epi8(_mm_cmpeq_epi32(wrong, _mm_setzero_si128())) == 0xFFFF;
   }
-  Errors LeftErrors() const noexcept { return {_mm_sub_pd(q_, v_), b_}; }
+  Errors LeftErrors() const noexcept {
+    const Errors errors{_mm_sub_pd(q_, v_), b_};
+    return kIsFrameByFrame<Codec> ? Flushed(errors) : errors;
+  }
 
  private:
   // Both rounded values come with kNoFraction, which makes their bits those of integers.
@@ -139,8 +109,7 @@ class ShapedRun {
 
   // The margin keeps k a, which also ends at the floor, away from it.
   static __m128d IsTiny(__m128d a) noexcept {
-    const __m128d below = _mm_cmplt_pd(Magnitude(a), _mm_set1_pd(4.0 * kStateFloor));
-    return _mm_and_pd(below, _mm_cmpneq_pd(a, _mm_setzero_pd()));
+    return _mm_and_pd(IsBelow(a, 4.0 * kStateFloor), _mm_cmpneq_pd(a, _mm_setzero_pd()));
   }
 
   const __m128d scale_, inverse_scale_, k_;
@@ -214,9 +183,23 @@ void CopyBlock(const Sample* from, std::size_t count, Sample* to) noexcept {
   }
 }
 
+// The fastest way that there is; false when it does not do.
+template <typename Run, typename Codec, std::size_t kChannels, typename Noise>
+bool Quantise(const DitherState& state, Errors& errors, Noise& noise, typename Codec::Sample* samples,
+              std::size_t frames, SimdLevel level) noexcept {
+  if (frames == 1) return false;
+  if constexpr (std::is_same_v<Run, FlatRun<Codec, kChannels>> && Noise::kReadsEight) {
+    if (frames == kBlockFrames && level == SimdLevel::kAvx2) {
+      return QuantiseFlatBlockAvx2<Codec, kChannels>(state, noise, samples);
+    }
+  }
+  return QuantiseByGuess<Run, kChannels>(state, errors, noise, samples, frames);
+}
+
 // Blocks have an even number of frames; where one frame is left, a guess is not worth while.
 template <typename Run, typename Codec, DrawOrder kOrder, typename Noise>
-void ProcessBlocks(const DitherState& state, typename Codec::Sample* samples, std::uint32_t frames) noexcept {
+void ProcessBlocks(const DitherState& state, typename Codec::Sample* samples, std::uint32_t frames,
+                   SimdLevel level) noexcept {
   constexpr std::size_t kChannels = ChannelsOf(kOrder);
   constexpr std::size_t kWhole = kBlockFrames * kChannels;
   using Pair = FrameCodec<Float64Codec, kChannels>;
@@ -228,7 +211,7 @@ void ProcessBlocks(const DitherState& state, typename Codec::Sample* samples, st
     const std::size_t count = block * kChannels;
     CopyBlock<kWhole>(samples, count, input);
     noise.Prepare(block);
-    if (block == 1 || !QuantiseByGuess<Run, kChannels>(state, errors, noise, samples, block)) [[unlikely]] {
+    if (!Quantise<Run, Codec, kChannels>(state, errors, noise, samples, block, level)) [[unlikely]] {
       std::copy_n(input, count, samples);
       BlockNoise values;
       ReadBlock(noise, block, values);
@@ -237,50 +220,52 @@ void ProcessBlocks(const DitherState& state, typename Codec::Sample* samples, st
     samples += count;
     left -= block;
   }
-  const auto flushed = [](__m128d error) {
-    return _mm_andnot_pd(_mm_cmplt_pd(Magnitude(error), _mm_set1_pd(kStateFloor)), error);
-  };
-  Pair::Store(state.error_a, flushed(errors.a));
-  Pair::Store(state.error_b, flushed(errors.b));
+  const Errors kept = Flushed(errors);
+  Pair::Store(state.error_a, kept.a);
+  Pair::Store(state.error_b, kept.b);
   noise.Finish();
 }
 
 template <typename Codec, DrawOrder kOrder, typename Noise>
-void ProcessNoise(const DitherState& state, typename Codec::Sample* samples, std::uint32_t frames) noexcept {
+void ProcessNoise(const DitherState& state, typename Codec::Sample* samples, std::uint32_t frames,
+                  SimdLevel level) noexcept {
   constexpr std::size_t kChannels = ChannelsOf(kOrder);
   switch (state.shaping) {
     case NoiseShaping::kOff:
-      return ProcessBlocks<FlatRun<Codec, kChannels>, Codec, kOrder, Noise>(state, samples, frames);
+      return ProcessBlocks<FlatRun<Codec, kChannels>, Codec, kOrder, Noise>(state, samples, frames, level);
     case NoiseShaping::kHighPassContour:
-      return ProcessBlocks<ShapedRun<Codec, kChannels, false>, Codec, kOrder, Noise>(state, samples, frames);
+      return ProcessBlocks<ShapedRun<Codec, kChannels, false>, Codec, kOrder, Noise>(state, samples, frames, level);
     case NoiseShaping::kEqualLoudnessContour:
     case NoiseShaping::kSecondOrderHalf:
-      return ProcessBlocks<ShapedRun<Codec, kChannels, true>, Codec, kOrder, Noise>(state, samples, frames);
+      return ProcessBlocks<ShapedRun<Codec, kChannels, true>, Codec, kOrder, Noise>(state, samples, frames, level);
   }
 }
 
 template <typename Codec, DrawOrder kOrder>
-void ProcessInOrder(const DitherState& state, typename Codec::Sample* samples, std::uint32_t frames) noexcept {
+void ProcessInOrder(const DitherState& state, typename Codec::Sample* samples, std::uint32_t frames,
+                    SimdLevel level) noexcept {
   switch (state.type) {
-    case DitherType::kTriangular: return ProcessNoise<Codec, kOrder, DrawnNoise<kOrder, 2>>(state, samples, frames);
+    case DitherType::kTriangular:
+      return ProcessNoise<Codec, kOrder, DrawnNoise<kOrder, 2>>(state, samples, frames, level);
     case DitherType::kHalfRectangular:
     case DitherType::kRectangular:
     case DitherType::kHighpassTriangular:
-      return ProcessNoise<Codec, kOrder, DrawnNoise<kOrder, 1>>(state, samples, frames);
+      return ProcessNoise<Codec, kOrder, DrawnNoise<kOrder, 1>>(state, samples, frames, level);
     case DitherType::kNone:
-    case DitherType::kGaussian: return ProcessNoise<Codec, kOrder, BufferedNoise<kOrder>>(state, samples, frames);
+    case DitherType::kGaussian:
+      return ProcessNoise<Codec, kOrder, BufferedNoise<kOrder>>(state, samples, frames, level);
   }
 }
 
 // frames × channels interleaved samples in place; other numbers of channels than 1 and 2 change nothing. Floats have
 // their noise drawn channel by channel, integers frame by frame.
 template <typename Codec>
-void Process(const DitherState& state, typename Codec::Sample* samples, std::uint32_t frames,
-             std::uint32_t channels) noexcept {
+void Process(const DitherState& state, typename Codec::Sample* samples, std::uint32_t frames, std::uint32_t channels,
+             SimdLevel level = BestSimdLevel()) noexcept {
   constexpr DrawOrder kStereo = kIsFrameByFrame<Codec> ? DrawOrder::kFrameByFrame : DrawOrder::kChannelByChannel;
   if (frames == 0) return;
-  if (channels == 1) ProcessInOrder<Codec, DrawOrder::kMono>(state, samples, frames);
-  if (channels == 2) ProcessInOrder<Codec, kStereo>(state, samples, frames);
+  if (channels == 1) ProcessInOrder<Codec, DrawOrder::kMono>(state, samples, frames, level);
+  if (channels == 2) ProcessInOrder<Codec, kStereo>(state, samples, frames, level);
 }
 
 }  // namespace tervan::dither_kernel

@@ -10,7 +10,7 @@
 // Blocks are of an even length, but the last one may be of a single frame.
 #pragma once
 
-#include <emmintrin.h>
+#include <immintrin.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -31,6 +31,10 @@ struct TwoFrames {
   __m128d first, second;
 };
 
+struct EightSamples {
+  __m256d low, high;
+};
+
 // Types whose noise takes kWords words for each sample, each word a signed integer u.
 //
 //   1: (u - c h) f, where h is the u before, and c is 0 for the rectangular ones
@@ -38,6 +42,8 @@ struct TwoFrames {
 template <DrawOrder kOrder, std::size_t kWords>
 class DrawnNoise {
  public:
+  static constexpr bool kReadsEight = kWords == 2;
+
   class Reader {
    public:
     [[gnu::always_inline]] TwoFrames Next() noexcept {
@@ -47,6 +53,16 @@ class DrawnNoise {
       const __m128d second = LessHistory(u.second, HistoryOf(u.second, u.first));
       before_ = u.second;
       return {first, second};
+    }
+
+    // Of samples as they lie in memory.
+    [[gnu::target("avx2"), gnu::always_inline]] EightSamples NextEight() noexcept {
+      const __m256i a = first_.DrawEight();
+      const __m256i b = kSequences == 1 ? first_.DrawEight() : second_.DrawEight();
+      if constexpr (kSequences == 1) return {Sums(a), Sums(b)};
+      const __m256d even = Sums(_mm256_unpacklo_epi64(a, b));  // frames 0 and 2
+      const __m256d odd = Sums(_mm256_unpackhi_epi64(a, b));
+      return {_mm256_permute2f128_pd(even, odd, 0x20), _mm256_permute2f128_pd(even, odd, 0x31)};
     }
 
    private:
@@ -88,6 +104,15 @@ class DrawnNoise {
       const __m128i sums = _mm_add_epi64(even, _mm_srli_epi64(biased, 32));
       const __m128i floats = _mm_or_si128(sums, _mm_castpd_si128(_mm_set1_pd(0x1p52)));
       return _mm_sub_pd(_mm_castsi128_pd(floats), _mm_set1_pd(0x1p52 + 0x1p32));
+    }
+
+    [[gnu::target("avx2"), gnu::always_inline]] __m256d Sums(__m256i words) const noexcept {
+      const __m256i biased = _mm256_xor_si256(words, _mm256_set1_epi32(INT32_MIN));
+      const __m256i even = _mm256_and_si256(biased, _mm256_set1_epi64x(0xFFFFFFFF));
+      const __m256i sums = _mm256_add_epi64(even, _mm256_srli_epi64(biased, 32));
+      const __m256i floats = _mm256_or_si256(sums, _mm256_castpd_si256(_mm256_set1_pd(0x1p52)));
+      const __m256d d = _mm256_sub_pd(_mm256_castsi256_pd(floats), _mm256_set1_pd(0x1p52 + 0x1p32));
+      return _mm256_mul_pd(d, _mm256_broadcastsd_pd(factor_));
     }
 
     static __m128d HistoryOf(__m128d u, __m128d u_before) noexcept {
@@ -145,6 +170,8 @@ class DrawnNoise {
 template <DrawOrder kOrder>
 class BufferedNoise {
  public:
+  static constexpr bool kReadsEight = false;
+
   class Reader {
    public:
     TwoFrames Next() noexcept {

@@ -3,7 +3,7 @@
 //   x[n] = x[n-250] xor x[n-147]
 #pragma once
 
-#include <emmintrin.h>
+#include <immintrin.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -20,6 +20,13 @@ class R250Sequence {
   // Draws from a place on.
   class Reader {
    public:
+    [[gnu::target("avx2")]] __m256i DrawEight() noexcept {
+      const auto at = [this](std::ptrdiff_t offset) { return reinterpret_cast<__m256i*>(next_ + offset); };
+      const __m256i words = _mm256_xor_si256(_mm256_loadu_si256(at(kOldest)), _mm256_loadu_si256(at(kPartner)));
+      _mm256_storeu_si256(at(0), words);
+      next_ += 8;
+      return words;
+    }
     __m128i DrawFour() noexcept {
       const __m128i words = _mm_xor_si128(_mm_loadu_si128(At(kOldest)), _mm_loadu_si128(At(kPartner)));
       _mm_storeu_si128(At(0), words);
