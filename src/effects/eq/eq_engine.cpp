@@ -31,29 +31,19 @@ void EqEngine::Design(const EqSettings& settings, ProcessMode) {
   if (used_slots_ == 0) channels_ = {};
 }
 
-template <typename Codec, std::size_t kChannels>
-void EqEngine::RunSlot(std::size_t slot, typename Codec::Sample* data, std::uint32_t frames) {
-  const EqSection& section = sections_[slot];
-  for (std::int32_t stage = 0; stage < section.stages; ++stage) {
-    eq::StatePair* states[kChannels];
-    for (std::size_t channel = 0; channel < kChannels; ++channel)
-      states[channel] = &channels_[channel].slots[slot][stage];
-    switch (section.mode) {
-      case EqMode::kLowShelf: eq::RunPass<Codec, EqMode::kLowShelf>(section, states, data, frames); break;
-      case EqMode::kBand: eq::RunPass<Codec, EqMode::kBand>(section, states, data, frames); break;
-      case EqMode::kHighShelf: eq::RunPass<Codec, EqMode::kHighShelf>(section, states, data, frames); break;
-    }
-  }
-}
-
 template <typename Codec>
 void EqEngine::Run(typename Codec::Sample* data, std::uint32_t frames) {
+  eq::StageRun stages[std::size_t{kEqBands} * kEqMaxStages];
+  std::size_t count = 0;
   for (std::size_t slot = 0; slot < used_slots_; ++slot) {
-    if (format().nChannels == 1) {
-      RunSlot<Codec, 1>(slot, data, frames);
-    } else {
-      RunSlot<Codec, 2>(slot, data, frames);
+    for (std::int32_t stage = 0; stage < sections_[slot].stages; ++stage) {
+      stages[count++] = {&sections_[slot], {&channels_[0].slots[slot][stage], &channels_[1].slots[slot][stage]}};
     }
+  }
+  if (format().nChannels == 1) {
+    eq::RunStages<Codec, 1>(simd_level_, {stages, count}, data, frames);
+  } else {
+    eq::RunStages<Codec, 2>(simd_level_, {stages, count}, data, frames);
   }
   if constexpr (std::is_same_v<Codec, Float32Codec>) {
     if (used_slots_ != 0) quiet_ = IsQuiet();

@@ -9,6 +9,7 @@
 #include "effects/eq/eq_kernel.h"
 #include "effects/eq/eq_settings.h"
 #include "shell/automated_engine.h"
+#include "support/simd_level.h"
 
 namespace tervan {
 
@@ -40,10 +41,9 @@ class EqEngine final : public AutomatedEngine<EqEngine, EqSettings> {
   // The tail has died away.
   bool EndStream() const { return quiet_; }
 
-  template <typename Codec, std::size_t kChannels>
-  void RunSlot(std::size_t slot, typename Codec::Sample* data, std::uint32_t frames);
   bool IsQuiet() const;
 
+  const SimdLevel simd_level_ = BestSimdLevel();
   std::array<EqSection, kEqBands> sections_;
   std::size_t used_slots_ = 0;  // 0: all bands are off and no pass runs
   std::array<EqChannelState, 2> channels_{};
