@@ -10,12 +10,13 @@
 //
 // The guard of the states stays off the recurrence, where it would cost 4 cycles. A fast loop without it runs for a
 // short block and watches the exponents of the new states: each has to lie between 2^-32 and 2^32, where the guard
-// does nothing. When one does not, the block is taken back and run again by a loop with the guard. That one also runs
-// where stages have yet to start or have ended, and while a state is close to the floor. A silent channel between
-// silent states is known before: its stages are left out.
+// does nothing. When one does not, the block is taken back and run again by a loop that lets small states become 0 and
+// watches for large ones, which also runs while a state is close to the floor; when that one meets a large state, too,
+// by a loop with the whole guard. The last one also runs where stages have yet to start or have ended. A silent channel
+// between silent states is known before: its stages are left out.
 //
-// Per stereo frame of 32-bit floats the pipes allow four stages in 9 cycles and ten in 19 with AVX2, where two
-// additions and two multiplications begin in a cycle.
+// A stereo frame of 32-bit floats takes four stages with AVX2 41 vector operations and ten 79, of which a processor of
+// today begins four in a cycle. They come to 15 and 30 cycles: about three begin in a cycle.
 #pragma once
 
 #include <cstddef>
@@ -54,7 +55,7 @@ void RunWavefront(std::span<const StageRun> stages, typename Codec::Sample* samp
 template <typename Codec, std::size_t kChannels>
 void RunStages(SimdLevel level, std::span<const StageRun> stages, typename Codec::Sample* samples,
                std::uint32_t frames) noexcept {
-  if (level == SimdLevel::kAvx2) {
+  if (level == SimdLevel::kAvx2 && stages.size() > 1) {  // one stage would leave half of a register empty
     RunWavefront<Avx2Lanes, Codec, kChannels>(stages, samples, frames);
   } else {
     RunWavefront<Sse2Lanes, Codec, kChannels>(stages, samples, frames);

@@ -21,8 +21,8 @@
 namespace tervan::eq {
 
 inline constexpr int kMaxRegisters = 5;     // of a wavefront: ten stereo stages with AVX2
-inline constexpr int kPartLag = 3;          // steps between the last register of a part and the first of the next
-inline constexpr int kBlockFrames = 64;     // that the fast loop runs before its states are checked
+inline constexpr int kLeastLag = 5;         // steps from a part to the next: what comes sooner waits in the processor
+inline constexpr int kBlockFrames = 32;     // that the fast loop runs before its states are checked
 inline constexpr int kChunkFrames = 1024;   // of a wavefront
 inline constexpr double kNearFloor = 16.0;  // times the floor: the fast loop would hardly get through
 
@@ -36,6 +36,11 @@ inline constexpr std::uint64_t kWindowWidth = ExponentField(0x40);
 inline constexpr std::uint64_t kLiveShift = ExponentField(kWindowBegin) - ExponentField(1023 - 32);
 inline constexpr std::uint64_t kZeroShift = ExponentField(kWindowBegin);
 static_assert(kStateFloor == 0x1p-32);
+
+// Magnitudes from 2^99 on, and what is no number, are moved to the sign.
+inline constexpr std::uint64_t kSignBit = ExponentField(0x800);
+inline constexpr std::uint64_t kLargeShift = kSignBit - ExponentField(1023 + 99);
+static_assert(kStateLimit > 0x1p99);
 
 // The frames that enter and leave the parts of a wavefront in a step.
 template <typename Lanes, typename Codec, std::size_t kChannels>
@@ -91,7 +96,7 @@ class Wavefront {
   // stages: at most kMaxRegisters × kParts. resting: channels whose states and samples are silent.
   Wavefront(std::span<const StageRun> stages, const bool (&resting)[kChannels], Sample* samples, int frames) noexcept
       : registers_((static_cast<int>(stages.size()) + kParts - 1) / kParts),
-        buffer_{samples, frames, registers_ + kPartLag},
+        buffer_{samples, frames, LagOf(registers_)},
         delay_((kParts - 1) * buffer_.lag + registers_ - 1) {
     for (int part = 0; part < kParts; ++part) {
       for (int i = 0; i < registers_; ++i) {
@@ -106,11 +111,12 @@ class Wavefront {
   }
 
   void Run() noexcept {
-    int step = std::min(delay_, buffer_.frames + delay_);
+    int step = delay_;
     RunGuarded<true>(0, step);
     while (step < buffer_.frames) {
       const int end = std::min(step + kBlockFrames, buffer_.frames);
-      if (AnyNearFloor() || !TryFast(step, end)) RunGuarded<false>(step, end);
+      const bool done = (!AnyNearFloor() && Try<false>(step, end)) || Try<true>(step, end);
+      if (!done) RunGuarded<false>(step, end);
       step = end;
     }
     RunGuarded<true>(step, buffer_.frames + delay_);
@@ -199,9 +205,9 @@ class Wavefront {
     return !AreInWindow(any, all);
   }
 
-  // Runs steps that all lie inside the buffer; false: they have to be run again with the guard, and nothing has
-  // changed.
-  bool TryFast(int begin, int end) noexcept {
+  // Runs steps that all lie inside the buffer; false: they have to be run in another way, and nothing has changed.
+  template <bool kFloored>
+  bool Try(int begin, int end) noexcept {
     Sample saved[(kBlockFrames + kMaxDelay) * kChannels];
     Sample* const first = buffer_.At(begin - delay_);
     // Frame by frame where frames have just been written: longer loads would wait for the stores.
@@ -212,7 +218,7 @@ class Wavefront {
     std::memcpy(saved + recent, first + recent, count * sizeof(Sample));
 
     Flight* const next = flight_ == &flights_[0] ? &flights_[1] : &flights_[0];
-    if (RunFast(begin, end, *next)) {
+    if (RunFast<kFloored>(begin, end, *next)) {
       flight_ = next;
       return true;
     }
@@ -220,18 +226,19 @@ class Wavefront {
     return false;
   }
 
+  template <bool kFloored>
   bool RunFast(int begin, int end, Flight& next) const noexcept {
     switch (registers_) {
-      case 1: return RunUnguarded<1>(begin, end, next);
-      case 2: return RunUnguarded<2>(begin, end, next);
-      case 3: return RunUnguarded<3>(begin, end, next);
-      case 4: return RunUnguarded<4>(begin, end, next);
-      default: return RunUnguarded<kMaxRegisters>(begin, end, next);
+      case 1: return RunUnguarded<1, kFloored>(begin, end, next);
+      case 2: return RunUnguarded<2, kFloored>(begin, end, next);
+      case 3: return RunUnguarded<3, kFloored>(begin, end, next);
+      case 4: return RunUnguarded<4, kFloored>(begin, end, next);
+      default: return RunUnguarded<kMaxRegisters, kFloored>(begin, end, next);
     }
   }
 
-  // True when the guard would have done nothing.
-  template <int kRegisters>
+  // True when the guard would have done nothing. kFloored: nothing but what is done here, where small states become 0.
+  template <int kRegisters, bool kFloored>
   [[gnu::noinline]] bool RunUnguarded(int begin, int end, Flight& next) const noexcept {
     Doubles w1[kRegisters], w2[kRegisters], x[kRegisters];
 #pragma GCC unroll 8
@@ -258,9 +265,15 @@ class Wavefront {
           w2[i] = w1[i];
         }
         w = w + r.gain * in;
-        const Integers moved = Lanes::Bits(w) + r.shift;
-        any |= moved;
-        all &= moved;
+        if constexpr (kFloored) {
+          const Integers magnitude = Lanes::Bits(w) & ~kSignBit;
+          w = Lanes::FromBits(Lanes::Bits(w) & Lanes::IsNotBelow(magnitude, kStateFloor));
+          any |= magnitude + kLargeShift;
+        } else {
+          const Integers moved = Lanes::Bits(w) + r.shift;
+          any |= moved;
+          all &= moved;
+        }
         y = in + w + Lanes::Flipped(earlier, r.sign);
         w1[i] = w;
         if (i + 1 < kRegisters) y = Rounded(y);
@@ -273,7 +286,7 @@ class Wavefront {
       next.w2[i] = w2[i];
       next.x[i] = x[i];
     }
-    return AreInWindow(any, all);
+    return kFloored ? Lanes::SignBits(any) == 0 : AreInWindow(any, all);
   }
 
   // kEdge: stages whose frames lie outside the buffer keep their states.
@@ -282,37 +295,44 @@ class Wavefront {
     const Buffer buffer = buffer_;
     Flight& flight = *flight_;
     for (int step = begin; step < end; ++step) {
-      Doubles y = buffer.template Read<kEdge>(step);
-      for (int i = 0; i < registers_; ++i) {
+      const Doubles entering = buffer.template Read<kEdge>(step);
+      // None of the stages in the registers before and behind these is active.
+      const int first = kEdge ? std::max(step - delay_ - buffer.frames + registers_, 0) : 0;
+      const int last = kEdge ? std::min(step, registers_ - 1) : registers_ - 1;
+      Doubles leaving{};
+      for (int i = last; i >= first; --i) {
         const Register& r = stages_[i];
         const Doubles w1 = flight.w1[i], w2 = flight.w2[i];
-        const Doubles in = i == 0 ? y : flight.x[i];
-        flight.x[i] = y;
+        const Doubles in = i == 0 ? entering : flight.x[i];
         const Doubles feedback = r.bands ? r.c0 * w1 + r.c1 * w2 : r.c0 * w1;
         Doubles w = feedback + r.gain * in;
         const Integers moved = Lanes::Bits(w) + r.shift;
         if (!AreInWindow(moved, moved)) w = Guarded(w, feedback);
         const Doubles earlier = r.bands ? EarlierState(r, w1, w2) : w1;
-        y = in + w + Lanes::Flipped(earlier, r.sign);
+        const Doubles y = in + w + Lanes::Flipped(earlier, r.sign);
         Doubles older = w1;
         if constexpr (kEdge) {
           const Integers active =
-              Integers(Doubles{} + step >= r.delay) & Integers(Doubles{} + (step - buffer_.frames) < r.delay);
+              Integers(Doubles{} + step >= r.delay) & Integers(Doubles{} + (step - buffer.frames) < r.delay);
           w = Lanes::Select(active, w, w1);
           older = Lanes::Select(active, w1, w2);
         }
         flight.w1[i] = w;
         flight.w2[i] = older;
-        if (i + 1 < registers_) y = Rounded(y);
+        if (i + 1 < registers_) {
+          flight.x[i + 1] = Rounded(y);
+        } else {
+          leaving = y;
+        }
       }
-      buffer.template Write<kEdge>(step - (registers_ - 1), y);
+      buffer.template Write<kEdge>(step - (registers_ - 1), leaving);
     }
   }
 
   // The new state as the plain pass has it: too small ones become 0; where a sample made it too large or no number, the
   // sample is left out.
   static Doubles Guarded(Doubles w, Doubles feedback) noexcept {
-    const auto magnitude = [](Doubles v) { return Lanes::FromBits(Lanes::Bits(v) & ~(std::uint64_t{1} << 63)); };
+    const auto magnitude = [](Doubles v) { return Lanes::FromBits(Lanes::Bits(v) & ~kSignBit); };
     const auto is_fit = [&](Doubles v) {
       return Integers(magnitude(v) >= Doubles{} + kStateFloor) & Integers(magnitude(v) <= Doubles{} + kStateLimit);
     };
@@ -321,7 +341,9 @@ class Wavefront {
     return Lanes::FromBits((Lanes::Bits(w) & is_fit(w)) | (Lanes::Bits(feedback) & left_out & is_fit(feedback)));
   }
 
-  static constexpr int kMaxDelay = (kParts - 1) * (kMaxRegisters + kPartLag) + kMaxRegisters - 1;
+  // A frame has to have left a part before it enters the next.
+  static constexpr int LagOf(int registers) noexcept { return std::max(registers + 1, kLeastLag); }
+  static constexpr int kMaxDelay = (kParts - 1) * LagOf(kMaxRegisters) + kMaxRegisters - 1;
 
   Register stages_[kMaxRegisters];
   Flight flights_[2];

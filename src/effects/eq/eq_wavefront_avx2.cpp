@@ -17,6 +17,9 @@ struct Avx2Lanes {
   static Doubles Select(Integers condition, Doubles a, Doubles b) noexcept {
     return Doubles((Integers(a) & condition) | (Integers(b) & ~condition));
   }
+  static Integers IsNotBelow(Integers magnitude, double floor) noexcept {
+    return Integers(_mm256_cmp_pd(__m256d(magnitude), _mm256_set1_pd(floor), _CMP_NLT_UQ));
+  }
   static int SignBits(Integers v) noexcept { return _mm256_movemask_pd(__m256d(v)); }
 
   static Doubles RoundedToSingle(Doubles v) noexcept { return _mm256_cvtps_pd(_mm256_cvtpd_ps(v)); }

@@ -13,6 +13,9 @@ struct Sse2Lanes {
   static Doubles Select(Integers condition, Doubles a, Doubles b) noexcept {
     return Doubles((Integers(a) & condition) | (Integers(b) & ~condition));
   }
+  static Integers IsNotBelow(Integers magnitude, double floor) noexcept {
+    return Integers(_mm_cmpnlt_pd(__m128d(magnitude), _mm_set1_pd(floor)));
+  }
   static int SignBits(Integers v) noexcept { return _mm_movemask_pd(__m128d(v)); }
 
   static Doubles RoundedToSingle(Doubles v) noexcept { return _mm_cvtps_pd(_mm_cvtpd_ps(v)); }
