@@ -17,12 +17,22 @@ constexpr double kGainLimit = 1e6;
 
 }  // namespace
 
-void CompressorEngine::Design(const CompressorSettings& settings, ProcessMode mode) {
-  coefficients_ = DesignCompressor(settings, format().nSamplesPerSec);
+// Samples of another format reach other levels.
+void CompressorEngine::SetFormat(const StreamFormat& format) {
+  RestartDetector();
+  AutomatedEngine::SetFormat(format);
+}
+
+void CompressorEngine::RestartDetector() {
   state_.hold = 0.0;
   state_.hold_single = 0.0f;
   state_.reduction = 1.0;
   state_.valley = 0.0;
+}
+
+void CompressorEngine::Design(const CompressorSettings& settings, ProcessMode mode) {
+  coefficients_ = DesignCompressor(settings, format().nSamplesPerSec);
+  RestartDetector();
   if (mode == ProcessMode::kDiscontinuity) {
     state_.gain = coefficients_.start_gain;
     state_.low_pass = dynamics::kLowPassStart;
@@ -32,16 +42,14 @@ void CompressorEngine::Design(const CompressorSettings& settings, ProcessMode mo
 template <typename Codec, bool kSingle, bool kMetered>
 double CompressorEngine::RunFrames(typename Codec::Sample* data, std::uint32_t frames) {
   if (format().nChannels == 1) {
-    const double least_gain = compressor::RunFrames<Codec, 1, false, kMetered>(coefficients_, state_, data, frames);
-    state_.hold_single = static_cast<float>(state_.hold);
-    return least_gain;
+    return compressor::RunFrames<Codec, 1, false, kMetered>(coefficients_, state_, data, frames);
   }
   const double least_gain = compressor::RunFrames<Codec, 2, kSingle, kMetered>(coefficients_, state_, data, frames);
   // A window that comes or goes switches between the two paths: the held level goes along, or a stale one would lift
   // the gain.
   if constexpr (kSingle) {
     state_.hold = static_cast<double>(state_.hold_single);
-  } else {
+  } else if constexpr (std::is_same_v<Codec, Float32Codec>) {
     state_.hold_single = static_cast<float>(state_.hold);
   }
   return least_gain;

@@ -27,11 +27,15 @@ class CompressorEngine final : public AutomatedEngine<CompressorEngine, Compress
  public:
   using AutomatedEngine::AutomatedEngine;
 
+  // The detector starts anew.
+  void SetFormat(const StreamFormat& format);
+
  private:
   friend class AutomatedEngine<CompressorEngine, CompressorSettings, CompressorEngineOwner>;
 
   // The detector starts anew in any case.
   void Design(const CompressorSettings& settings, ProcessMode mode);
+  void RestartDetector();
 
   // 32-bit floats are metered only while the filter is watched.
   template <typename Codec>

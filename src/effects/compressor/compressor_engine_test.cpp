@@ -298,6 +298,19 @@ TEST(CompressorEngine, PageThatComesAndGoesDoesNotMoveTheGain) {
   }
 }
 
+TEST(CompressorEngine, HugeLevelsDoNotOutliveAChangeOfTheFormat) {
+  for (const std::size_t channels : {1u, 2u}) {
+    StartedCompressor started(kHeavy, channels, 44100), fresh(kHeavy, channels, 44100);
+    std::vector<double> huge(2 * channels, 1e200);
+    RunAll(started.engine, huge, channels);
+    started.engine.SetFormat(FormatOf(channels, 44100));
+    std::vector<float> after(channels * 44100, 0.05f), expected = after;
+    RunAll(started.engine, after, channels);
+    RunAll(fresh.engine, expected, channels);
+    EXPECT_NEAR(after.back(), expected.back(), 1e-6f);
+  }
+}
+
 TEST(CompressorEngine, StopFlagEndsTheStreamAndAsksForNewSettings) {
   StartedCompressor started(FakeOwner{}.settings, 2, 44100);
   const std::vector<float> input = SamplesOf<float>(Programme(500, 2, 700, 0));

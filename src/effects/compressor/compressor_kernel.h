@@ -12,7 +12,7 @@
 // - What does not happen to music, levels beyond all measure and gains that fade to nothing, is left to the plain
 //   routine.
 //
-// What must not come between: a function that is not inlined, which would put the state into memory.
+// Nothing here may call a function that is not inlined: that would put the state into memory.
 #pragma once
 
 #include <emmintrin.h>
@@ -129,7 +129,8 @@ class Kernel {
   const State& state() const noexcept { return s_; }
   double least_gain() const noexcept { return least_gain_; }
 
-  // Whether this routine is for such coefficients and such a state. It stays so until Process says otherwise.
+  // Whether this routine is for such coefficients and such a state. What follows from it stays true until Process says
+  // otherwise.
   bool IsTame() const noexcept {
     const double least_target = std::min(c_.gain_below, c_.offset + c_.numerator / kTameLevel);
     return std::min(s_.gain, least_target) >= kTameGain && static_cast<double>(Hold()) <= kTameLevel &&

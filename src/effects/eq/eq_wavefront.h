@@ -20,17 +20,17 @@
 
 namespace tervan::eq {
 
-inline constexpr int kMaxRegisters = 5;     // of a wavefront: ten stereo stages with AVX2
-inline constexpr int kLeastLag = 5;         // steps from a part to the next: what comes sooner waits in the processor
-inline constexpr int kBlockFrames = 32;     // that the fast loop runs before its states are checked
+inline constexpr int kMaxRegisters = 5;  // of a wavefront: ten stereo stages with AVX2
+inline constexpr int kLeastLag = 5;      // steps from a part to the next: a frame read sooner would wait for its store
+inline constexpr int kBlockFrames = 32;  // that run before the new states are checked
 inline constexpr int kChunkFrames = 1024;   // of a wavefront
-inline constexpr double kNearFloor = 16.0;  // times the floor: the fast loop would hardly get through
+inline constexpr double kNearFloor = 16.0;  // times the floor: where the quickest loop would hardly get through
 
 // An exponent in its place in a 64-bit float.
 constexpr std::uint64_t ExponentField(int exponent) { return static_cast<std::uint64_t>(exponent) << 52; }
 
 // States from 2^-32 to 2^32 are moved to the exponents 0x3C0 to 0x3FF: 64 of them that have four ones in common behind
-// a zero, and no others have. Where a state has to be 0, only 0 and next to it is moved there.
+// a zero, and no others have. Where a state has to be 0, only 0 and what is close to it gets there.
 inline constexpr int kWindowBegin = 0x3C0;
 inline constexpr std::uint64_t kWindowWidth = ExponentField(0x40);
 inline constexpr std::uint64_t kLiveShift = ExponentField(kWindowBegin) - ExponentField(1023 - 32);
@@ -115,7 +115,7 @@ class Wavefront {
     RunGuarded<true>(0, step);
     while (step < buffer_.frames) {
       const int end = std::min(step + kBlockFrames, buffer_.frames);
-      const bool done = (!AnyNearFloor() && Try<false>(step, end)) || Try<true>(step, end);
+      const bool done = (!AnyNearFloor() && TryBlock<false>(step, end)) || TryBlock<true>(step, end);
       if (!done) RunGuarded<false>(step, end);
       step = end;
     }
@@ -188,7 +188,8 @@ class Wavefront {
     return Lanes::Select(r.older, w2, w1);
   }
 
-  // any, all: OR and AND of states that were moved to the window.
+  // any, all: OR and AND of states that were moved to the window. Adding to the four ones carries into the zero in
+  // front of them, if all states had the ones; and none may have had a one there.
   [[gnu::always_inline]] static bool AreInWindow(Integers any, Integers all) noexcept {
     const Integers passed = (all + kWindowWidth) & ~any;  // the carry of the four ones, and the zero in front of them
     return Lanes::SignBits(passed + passed) == (1 << Lanes::kCount) - 1;
@@ -207,7 +208,7 @@ class Wavefront {
 
   // Runs steps that all lie inside the buffer; false: they have to be run in another way, and nothing has changed.
   template <bool kFloored>
-  bool Try(int begin, int end) noexcept {
+  bool TryBlock(int begin, int end) noexcept {
     Sample saved[(kBlockFrames + kMaxDelay) * kChannels];
     Sample* const first = buffer_.At(begin - delay_);
     // Frame by frame where frames have just been written: longer loads would wait for the stores.
@@ -229,17 +230,18 @@ class Wavefront {
   template <bool kFloored>
   bool RunFast(int begin, int end, Flight& next) const noexcept {
     switch (registers_) {
-      case 1: return RunUnguarded<1, kFloored>(begin, end, next);
-      case 2: return RunUnguarded<2, kFloored>(begin, end, next);
-      case 3: return RunUnguarded<3, kFloored>(begin, end, next);
-      case 4: return RunUnguarded<4, kFloored>(begin, end, next);
-      default: return RunUnguarded<kMaxRegisters, kFloored>(begin, end, next);
+      case 1: return RunBlock<1, kFloored>(begin, end, next);
+      case 2: return RunBlock<2, kFloored>(begin, end, next);
+      case 3: return RunBlock<3, kFloored>(begin, end, next);
+      case 4: return RunBlock<4, kFloored>(begin, end, next);
+      default: return RunBlock<kMaxRegisters, kFloored>(begin, end, next);
     }
   }
 
-  // True when the guard would have done nothing. kFloored: nothing but what is done here, where small states become 0.
+  // True when states and samples are those of the plain passes. Large states fail; small ones fail, too, or become 0 if
+  // kFloored.
   template <int kRegisters, bool kFloored>
-  [[gnu::noinline]] bool RunUnguarded(int begin, int end, Flight& next) const noexcept {
+  [[gnu::noinline]] bool RunBlock(int begin, int end, Flight& next) const noexcept {
     Doubles w1[kRegisters], w2[kRegisters], x[kRegisters];
 #pragma GCC unroll 8
     for (int i = 0; i < kRegisters; ++i) {
@@ -353,7 +355,8 @@ class Wavefront {
   Flight* flight_ = &flights_[0];
 };
 
-// Silence in a channel: its states are 0, and no sample moves one of them away from there.
+// Silence in a channel: its states are 0, and no sample moves one of them away from there. (Lanes keeps the copies for
+// different instruction sets apart.)
 template <typename Lanes, typename Codec, std::size_t kChannels>
 bool IsResting(std::span<const StageRun> stages, std::size_t channel, const typename Codec::Sample* samples,
                int frames) noexcept {
